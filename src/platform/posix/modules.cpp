@@ -1,0 +1,128 @@
+#include "platform/modules.h"
+
+#include <dlfcn.h>
+#include <link.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <ctime>
+
+#include "platform/files.h"
+#include "platform/posix/utf8_reader.h"
+#include "platform/posix/windows_1252.h"
+
+namespace platform {
+namespace {
+
+struct Range {
+  std::uintptr_t begin = UINTPTR_MAX;
+  std::uintptr_t end = 0;
+};
+
+Range loadedRange(const dl_phdr_info& info) {
+  Range range;
+  for (int i = 0; i < info.dlpi_phnum; ++i) {
+    const ElfW(Phdr)& segment = info.dlpi_phdr[i];
+    if (segment.p_type != PT_LOAD) continue;
+    const std::uintptr_t begin = info.dlpi_addr + segment.p_vaddr;
+    range.begin = std::min(range.begin, begin);
+    range.end = std::max(range.end, begin + segment.p_memsz);
+  }
+  return range;
+}
+
+// The loader lists the program first and without a name.
+int appendModule(dl_phdr_info* info, std::size_t, void* list) {
+  auto& modules = *static_cast<std::vector<Module>*>(list);
+  const Range range = loadedRange(*info);
+  if (range.end == 0) return 0;
+  modules.push_back(
+      {modules.empty() ? programPath() : windowsPath(info->dlpi_name), range.begin, range.end - range.begin});
+  return 0;
+}
+
+bool dateOf(const char* native, FileDate& date) {
+  struct stat status {};
+  std::tm local{};
+  if (::stat(native, &status) != 0 || ::localtime_r(&status.st_mtim.tv_sec, &local) == nullptr) return false;
+  date = {local.tm_mon + 1, local.tm_mday, local.tm_year + 1900};
+  return true;
+}
+
+constexpr const char* kProgramLink = "/proc/self/exe";
+
+struct NativeName {
+  std::array<char, PATH_MAX> bytes{};
+  std::size_t length = 0;
+};
+
+NativeName programName() {
+  NativeName name;
+  const ssize_t length = ::readlink(kProgramLink, name.bytes.data(), name.bytes.size());
+  name.length = length > 0 ? static_cast<std::size_t>(length) : 0;
+  return name;
+}
+
+void setPath(ModuleAt& module, std::string_view native) {
+  std::size_t length = 0;
+  const auto put = [&](char byte) {
+    if (length + 1 < module.path.size()) module.path[length++] = byte;
+  };
+  for (std::size_t position = 0; position < native.size();) {
+    const char32_t point = posix::nextCodePoint(native, position);
+    put(point == U'/' ? '\\' : posix::toWindows1252(point));
+    if (point > 0xFFFF) put('?');
+  }
+  module.path[length] = '\0';
+}
+
+bool isProgram(const dl_find_object& found) { return found.dlfo_link_map->l_name[0] == '\0'; }
+
+bool findObject(std::uintptr_t address, dl_find_object& found) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): addresses come from the machine, as numbers
+  return ::_dl_find_object(reinterpret_cast<void*>(address), &found) == 0;
+}
+
+}  // namespace
+
+std::vector<Module> loadedModules() {
+  std::vector<Module> modules;
+  ::dl_iterate_phdr(&appendModule, &modules);
+  return modules;
+}
+
+std::u16string programPath() {
+  const NativeName name = programName();
+  return windowsPath({name.bytes.data(), name.length});
+}
+
+bool lastWriteDate(const std::u16string& path, FileDate& date) { return dateOf(nativePath(path).c_str(), date); }
+
+// The unwinder's look-up is the one that may be made from a signal handler.
+bool findModule(std::uintptr_t address, ModuleAt& module) {
+  dl_find_object found{};
+  if (!findObject(address, found)) return false;
+  if (isProgram(found)) {
+    findProgram(module);
+  } else {
+    setPath(module, found.dlfo_link_map->l_name);
+  }
+  module.base = reinterpret_cast<std::uintptr_t>(found.dlfo_map_start);
+  module.size = reinterpret_cast<std::uintptr_t>(found.dlfo_map_end) - module.base;
+  return true;
+}
+
+void findProgram(ModuleAt& module) {
+  const NativeName name = programName();
+  setPath(module, {name.bytes.data(), name.length});
+}
+
+bool lastWriteDate(std::uintptr_t address, FileDate& date) {
+  dl_find_object found{};
+  return findObject(address, found) && dateOf(isProgram(found) ? kProgramLink : found.dlfo_link_map->l_name, date);
+}
+
+}  // namespace platform

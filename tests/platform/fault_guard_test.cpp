@@ -1,0 +1,207 @@
+#include "platform/fault_guard.h"
+
+#include <gtest/gtest.h>
+#include <xmmintrin.h>
+
+#include <array>
+#include <exception>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "support/faults.h"
+
+namespace {
+
+using platform::FaultContext;
+namespace fault = platform::fault;
+
+// A filter's state: what it was shown last, how often it was asked, and its answer.
+struct Witness {
+  bool accepts = true;
+  int asked = 0;
+  FaultContext last;
+
+  static bool filter(void* state, const FaultContext& context) {
+    auto& self = *static_cast<Witness*>(state);
+    ++self.asked;
+    self.last = context;
+    return self.accepts;
+  }
+};
+
+template <class Work>
+std::uint32_t guarded(Witness& witness, Work work) {
+  return platform::runGuarded([](void* argument) { (*static_cast<Work*>(argument))(); }, &work, &Witness::filter,
+                              &witness);
+}
+
+void expectGuardStillWorks() {
+  Witness witness;
+  bool ran = false;
+  EXPECT_EQ(guarded(witness, [&] { ran = true; }), 0U);
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(witness.asked, 0);
+  EXPECT_EQ(guarded(witness, [] { support::readFromNull(); }), fault::kAccessViolation);
+}
+
+struct FaultCase {
+  const char* name;
+  void (*work)();
+  std::uint32_t code;
+  std::optional<std::array<std::uintptr_t, 2>> info;
+};
+
+void PrintTo(const FaultCase& instance, std::ostream* out) { *out << instance.name; }
+
+class EachFault : public testing::TestWithParam<FaultCase> {};
+
+TEST_P(EachFault, IsCaughtAndNamedAgainAndAgain) {
+  const FaultCase& expected = GetParam();
+  for (int round = 0; round < 3; ++round) {
+    Witness witness;
+    EXPECT_EQ(guarded(witness, expected.work), expected.code);
+    EXPECT_EQ(witness.asked, 1);
+    EXPECT_EQ(witness.last.code, expected.code);
+    EXPECT_NE(witness.last.framePointer, 0U);
+    EXPECT_EQ(witness.last.hasInfo, expected.info.has_value());
+    EXPECT_EQ(witness.last.info, expected.info.value_or(witness.last.info));
+  }
+  expectGuardStillWorks();
+}
+
+constexpr std::uintptr_t kUntold = ~std::uintptr_t{0};
+
+INSTANTIATE_TEST_SUITE_P(
+    , EachFault,
+    testing::Values(
+        FaultCase{"WriteToNull", support::writeToNull, fault::kAccessViolation, {{1, 0}}},
+        FaultCase{"ReadFromNull", [] { support::readFromNull(); }, fault::kAccessViolation, {{0, 0}}},
+        FaultCase{"CallUnmapped", support::callUnmapped, fault::kAccessViolation, {{0, support::kUnmappedAddress}}},
+        FaultCase{"ImpossibleAddress", support::readImpossibleAddress, fault::kAccessViolation, {{0, kUntold}}},
+        FaultCase{"IntegerDivision", [] { support::divideIntegerByZero(); }, fault::kIntegerDivideByZero, {}},
+        FaultCase{"IllegalInstruction", support::executeIllegalInstruction, fault::kIllegalInstruction, {}},
+        FaultCase{"PrivilegedInstruction", [] { asm volatile("hlt"); }, fault::kPrivilegedInstruction, {}},
+        FaultCase{"RunawayRecursion", [] { support::overflowStack(); }, fault::kStackOverflow, {}},
+        FaultCase{"FloatDivision", [] { support::divideFloatByZero(); }, fault::kFloatDivideByZero, {}},
+        FaultCase{"FloatUnderflow", [] { support::underflowFloat(); }, fault::kFloatUnderflow, {}}),
+    [](const auto& instance) { return instance.param.name; });
+
+TEST(FaultGuard, StackOverflowOfAnotherThreadIsToldFromOtherFaults) {
+  Witness witness;
+  std::uint32_t first = 0;
+  std::uint32_t second = 0;
+  std::thread([&] {
+    first = guarded(witness, [] { support::overflowStack(); });
+    second = guarded(witness, [] { support::overflowStack(); });
+  }).join();
+  EXPECT_EQ(first, fault::kStackOverflow);
+  EXPECT_EQ(second, fault::kStackOverflow);
+}
+
+TEST(FaultGuard, GivesTheAddressOfTheFaultingInstruction) {
+  Witness witness;
+  guarded(witness, support::callUnmapped);
+  EXPECT_EQ(witness.last.address, support::kUnmappedAddress);
+  guarded(witness, support::executeIllegalInstruction);
+  EXPECT_TRUE(platform::isCodeAddress(witness.last.address));
+}
+
+TEST(FaultGuard, RestoresTheFloatEnvironment) {
+  const unsigned before = _mm_getcsr() & _MM_MASK_MASK;
+  Witness witness;
+  guarded(witness, [] { support::divideFloatByZero(); });
+  EXPECT_EQ(_mm_getcsr() & _MM_MASK_MASK, before);
+}
+
+// An abandoned handler never frees its exception; leak checkers are to find somebody who holds it.
+const int* volatile abandonedException = nullptr;
+
+TEST(FaultGuard, ForgetsTheExceptionsThatTheAbandonedWorkWasHandling) {
+  Witness witness;
+  const std::uint32_t code = guarded(witness, [] {
+    try {
+      throw 1;
+    } catch (const int& thrown) {
+      abandonedException = &thrown;
+      support::writeToNull();
+    }
+  });
+  EXPECT_EQ(code, fault::kAccessViolation);
+  EXPECT_EQ(std::current_exception(), nullptr);
+}
+
+TEST(FaultGuard, InnermostAcceptingFilterWins) {
+  Witness outer;
+  Witness inner;
+  std::uint32_t innerCode = 0;
+  bool outerWorkEnded = false;
+  const std::uint32_t outerCode = guarded(outer, [&] {
+    innerCode = guarded(inner, support::writeToNull);
+    outerWorkEnded = true;
+  });
+  EXPECT_EQ(innerCode, fault::kAccessViolation);
+  EXPECT_TRUE(outerWorkEnded);
+  EXPECT_EQ(outerCode, 0U);
+  EXPECT_EQ(outer.asked, 0);
+
+  inner.accepts = false;
+  outerWorkEnded = false;
+  EXPECT_EQ(guarded(outer,
+                    [&] {
+                      guarded(inner, support::writeToNull);
+                      outerWorkEnded = true;
+                    }),
+            fault::kAccessViolation);
+  EXPECT_FALSE(outerWorkEnded);
+  EXPECT_EQ(inner.asked, 2);
+  EXPECT_EQ(outer.asked, 1);
+  expectGuardStillWorks();
+}
+
+TEST(FaultGuard, ThrownExceptionsPassUnchangedAfterTheFilterHasSeenThem) {
+  Witness outer;
+  Witness inner;
+  const std::runtime_error* thrown = nullptr;
+  try {
+    guarded(outer, [&] {
+      guarded(inner, [&] {
+        try {
+          throw std::runtime_error("render failed");
+        } catch (const std::runtime_error& error) {
+          thrown = &error;
+          throw;
+        }
+      });
+    });
+    FAIL() << "the exception did not arrive";
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(&error, thrown);
+    EXPECT_STREQ(error.what(), "render failed");
+  }
+  EXPECT_EQ(inner.asked, 1);
+  EXPECT_EQ(outer.asked, 1);
+  EXPECT_EQ(inner.last.code, fault::kCppThrow);
+  EXPECT_TRUE(platform::isCodeAddress(inner.last.address));
+  expectGuardStillWorks();
+}
+
+TEST(ReadMemory, CopiesOnlyWhatIsThere) {
+  const std::string text = "sixteen bytes...";
+  std::array<char, 16> copy{};
+  EXPECT_EQ(platform::readMemory(reinterpret_cast<std::uintptr_t>(text.data()), copy.data(), copy.size()), 16U);
+  EXPECT_EQ(std::string(copy.data(), copy.size()), text);
+  EXPECT_EQ(platform::readMemory(support::kUnmappedAddress, copy.data(), copy.size()), 0U);
+  EXPECT_EQ(platform::readMemory(~std::uintptr_t{0} - 7, copy.data(), copy.size()), 0U);
+}
+
+TEST(IsCodeAddress, TellsCodeFromDataAndNothing) {
+  const int data = 0;
+  EXPECT_TRUE(platform::isCodeAddress(reinterpret_cast<std::uintptr_t>(&platform::runGuarded)));
+  EXPECT_FALSE(platform::isCodeAddress(reinterpret_cast<std::uintptr_t>(&data)));
+  EXPECT_FALSE(platform::isCodeAddress(support::kUnmappedAddress));
+}
+
+}  // namespace

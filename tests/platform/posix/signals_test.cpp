@@ -1,0 +1,205 @@
+// What guards do with signals and mappings, which only a POSIX system has.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <csetjmp>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+
+#include "platform/fault_guard.h"
+#include "support/faults.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+namespace fault = platform::fault;
+
+bool accept(void*, const platform::FaultContext&) { return true; }
+bool decline(void*, const platform::FaultContext&) { return false; }
+
+std::uint32_t guarded(void (*work)(void*), platform::FaultFilter filter = accept, void* argument = nullptr) {
+  return platform::runGuarded(work, argument, filter, nullptr);
+}
+
+// Earlier handlers that leave their fault behind, as a crash reporter does not and a test must.
+sigjmp_buf escape;
+volatile std::sig_atomic_t plainCalls = 0;
+volatile std::sig_atomic_t detailedCalls = 0;
+volatile std::sig_atomic_t lastCode = 0;
+
+void plainHandler(int) {
+  plainCalls = plainCalls + 1;
+  siglongjmp(escape, 1);
+}
+
+void detailedHandler(int, siginfo_t* info, void*) {
+  detailedCalls = detailedCalls + 1;
+  lastCode = info->si_code;
+  siglongjmp(escape, 1);
+}
+
+class EarlierHandler {
+ public:
+  EarlierHandler(int signal, bool detailed) : signal_(signal) {
+    struct sigaction action {};
+    if (detailed) {
+      action.sa_flags = SA_SIGINFO;
+      action.sa_sigaction = detailedHandler;
+    } else {
+      action.sa_handler = plainHandler;
+    }
+    plainCalls = 0;
+    detailedCalls = 0;
+    lastCode = 0;
+    ::sigaction(signal_, &action, &previous_);
+  }
+  ~EarlierHandler() { ::sigaction(signal_, &previous_, nullptr); }
+  EarlierHandler(const EarlierHandler&) = delete;
+  EarlierHandler& operator=(const EarlierHandler&) = delete;
+
+ private:
+  int signal_;
+  struct sigaction previous_ {};
+};
+
+TEST(PosixFaultGuard, FaultOnAnotherThreadGoesToTheEarlierHandler) {
+  const EarlierHandler earlier(SIGSEGV, true);
+  const std::uint32_t code = guarded([](void*) {
+    std::thread([] {
+      if (sigsetjmp(escape, 1) == 0) support::writeToNull();
+    }).join();
+  });
+  EXPECT_EQ(code, 0U);
+  EXPECT_EQ(detailedCalls, 1);
+  EXPECT_EQ(lastCode, SEGV_MAPERR);
+}
+
+TEST(PosixFaultGuard, DeclinedFaultGoesToAPlainHandler) {
+  const EarlierHandler earlier(SIGFPE, false);
+  guarded(
+      [](void*) {
+        if (sigsetjmp(escape, 1) == 0) {
+          guarded([](void*) { support::divideIntegerByZero(); }, decline);
+        }
+        // The inner guard was left by a jump that it knows nothing of; the outer one still stands.
+      },
+      decline);
+  EXPECT_EQ(plainCalls, 1);
+}
+
+TEST(PosixFaultGuard, SignalThatWasSentIsNoFault) {
+  const EarlierHandler earlier(SIGSEGV, true);
+  guarded([](void*) {
+    if (sigsetjmp(escape, 1) == 0) ::raise(SIGSEGV);
+  });
+  EXPECT_EQ(detailedCalls, 1);
+}
+
+TEST(PosixFaultGuard, EarlierHandlersAndStackAreBackWhenTheLastGuardEnds) {
+  const EarlierHandler earlier(SIGBUS, false);
+  stack_t before{};
+  ::sigaltstack(nullptr, &before);
+  guarded([](void*) { guarded([](void*) { support::writeToNull(); }); });
+  struct sigaction action {};
+  ::sigaction(SIGBUS, nullptr, &action);
+  EXPECT_EQ(action.sa_handler, &plainHandler);
+  stack_t after{};
+  ::sigaltstack(nullptr, &after);
+  EXPECT_EQ(after.ss_sp, before.ss_sp);
+  EXPECT_EQ(after.ss_flags, before.ss_flags);
+}
+
+TEST(PosixFaultGuard, HandlerInstalledInsideTheGuardIsLeftAlone) {
+  struct sigaction mine {};
+  mine.sa_handler = plainHandler;
+  struct sigaction original {};
+  ::sigaction(SIGILL, nullptr, &original);
+  guarded([](void* action) { ::sigaction(SIGILL, static_cast<struct sigaction*>(action), nullptr); }, accept, &mine);
+  struct sigaction action {};
+  ::sigaction(SIGILL, &original, &action);
+  EXPECT_EQ(action.sa_handler, &plainHandler);
+}
+
+TEST(PosixFaultGuard, SignalsAreNotLeftBlocked) {
+  guarded([](void*) { support::writeToNull(); });
+  sigset_t mask;
+  ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
+}
+
+TEST(PosixFaultGuardDeathTest, DeclinedFaultEndsTheProcessByItsSignal) {
+  EXPECT_EXIT(
+      {
+        ::signal(SIGFPE, SIG_DFL);
+        guarded([](void*) { support::divideIntegerByZero(); }, decline);
+      },
+      testing::KilledBySignal(SIGFPE), "");
+}
+
+TEST(PosixFaultGuardDeathTest, SentSignalEndsTheProcess) {
+  EXPECT_EXIT(
+      {
+        ::signal(SIGSEGV, SIG_DFL);
+        guarded([](void*) { ::raise(SIGSEGV); });
+      },
+      testing::KilledBySignal(SIGSEGV), "");
+}
+
+TEST(PosixFaultGuardDeathTest, FaultInsideTheFilterEndsTheProcess) {
+  EXPECT_EXIT(
+      {
+        ::signal(SIGSEGV, SIG_DFL);
+        guarded([](void*) { support::writeToNull(); },
+                [](void*, const platform::FaultContext&) {
+                  support::writeToNull();
+                  return true;
+                });
+      },
+      testing::KilledBySignal(SIGSEGV), "");
+}
+
+// Two pages of which only the first may be touched.
+class HalfReadable {
+ public:
+  HalfReadable() : page_(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))) {
+    start_ = static_cast<char*>(::mmap(nullptr, 2 * page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ::mprotect(start_ + page_, page_, PROT_NONE);
+  }
+  ~HalfReadable() { ::munmap(start_, 2 * page_); }
+  HalfReadable(const HalfReadable&) = delete;
+  HalfReadable& operator=(const HalfReadable&) = delete;
+  char* boundary() const { return start_ + page_; }
+
+ private:
+  std::size_t page_;
+  char* start_;
+};
+
+TEST(PosixReadMemory, StopsWhereMemoryEnds) {
+  const HalfReadable memory;
+  std::array<char, 16> copy{};
+  const auto boundary = reinterpret_cast<std::uintptr_t>(memory.boundary());
+  EXPECT_EQ(platform::readMemory(boundary - 5, copy.data(), copy.size()), 5U);
+  EXPECT_EQ(platform::readMemory(boundary, copy.data(), copy.size()), 0U);
+}
+
+TEST(PosixFaultGuard, FileThatShrankUnderItsMappingIsAnInPageError) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.write("texture.bin", "x");
+  const int fd = ::open(name.c_str(), O_RDWR | O_CLOEXEC);
+  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  void* const mapped = ::mmap(nullptr, page, PROT_READ, MAP_SHARED, fd, 0);
+  ASSERT_NE(mapped, MAP_FAILED);
+  ASSERT_EQ(::ftruncate(fd, 0), 0);
+  const std::uint32_t code =
+      guarded([](void* address) { (void)*static_cast<volatile char*>(address); }, accept, mapped);
+  EXPECT_EQ(code, fault::kInPageError);
+  ::munmap(mapped, page);
+  ::close(fd);
+}
+
+}  // namespace
