@@ -1,0 +1,23 @@
+// The conversation with the worker, from connecting to its end.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "plugin/job/job_state.h"
+#include "plugin/transport/simple_socket.h"
+
+namespace corvantis {
+
+// Connects to the worker on 127.0.0.1 at `portNumber`, sends the token, answers the handshake and serves commands until
+// the connection closes; gives true then. Every other end is logged and, while the connection stands, told to the
+// worker in one "ERROR: " reply, and gives false: a connection that cannot be made (a number that is no port included),
+// a wrong handshake, an exception that leaves a command, a machine fault. The connection then stays open. A call while
+// another is under way is refused with a line on the listener and gives false.
+//
+// Blocks the calling thread, which must be the host's main thread; its message queue is drained every 120 s of silence.
+// `daemonRunning` is set meanwhile. Throws only when the report of an error cannot be sent either.
+bool RunCorvantisDaemon(JobState& jobState, win32::simple_socket& socket, bool& daemonRunning, std::int32_t portNumber,
+                        const std::u16string& token);
+
+}  // namespace corvantis

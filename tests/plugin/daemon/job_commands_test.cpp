@@ -1,0 +1,183 @@
+// The job-control commands and the replies around them, through the socket.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "daemon_fixture.h"
+#include "platform/environment.h"
+
+namespace corvantis {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kLoaded = "SUCCESS Scene loaded successfully";
+
+class JobCommands : public DaemonTest {};
+
+TEST_F(JobCommands, UnknownWordsAreRepliedOnce) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {"\"\"", ""},
+      {",a", ""},
+      {"startjob", "startjob"},
+      {"EndJob ", "EndJob "},
+      {"\"a,b\",c", "a,b"},
+      {"\u4e2d", "\u4e2d"},
+      {"RenderTaskX", "RenderTaskX"},
+  };
+  for (const auto& [line, word] : cases) {
+    startAfresh();
+    EXPECT_TRUE(runLine(line, {"ERROR: Unexpected command \"" + word + "\" received."}));
+  }
+}
+
+TEST_F(JobCommands, TheWordMayBeQuoted) {
+  runLine("\"Current\"Task,4", {});
+  EXPECT_EQ(job->currentTask, 4);
+}
+
+TEST_F(JobCommands, ContinueIsOnlyLogged) {
+  runLine("CONTINUE,1,2", {});
+  EXPECT_THAT(logOfCommand(), ElementsAre("Warning: ignoring CONTINUE statement"));
+}
+
+TEST_F(JobCommands, CurrentTask) {
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
+      {"CurrentTask", {"ERROR: CurrentTask: Expected 1 parameter, got 0"}},
+      {"CurrentTask,1,2", {"ERROR: CurrentTask: Expected 1 parameter, got 2"}},
+      {"CurrentTask,x", {"ERROR: CurrentTask: Parameter 1 , \"x\", is not a valid task number."}},
+      {"CurrentTask,-2147483649", {"ERROR: CurrentTask: Parameter 1 , \"-2147483649\", is not a valid task number."}},
+  };
+  for (const auto& [line, replies] : cases) {
+    startAfresh();
+    EXPECT_TRUE(runLine(line, replies));
+    EXPECT_EQ(job->currentTask, 0);
+  }
+  startAfresh();
+  runLine("CurrentTask,-12", {});
+  EXPECT_EQ(job->currentTask, -12);
+}
+
+TEST_F(JobCommands, StartJobNotesTheSceneAndLoadsIt) {
+  EXPECT_TRUE(runLine("StartJob,C:/scenes/a.max,", {kLoaded}));
+  EXPECT_EQ(job->sceneFileName, u"a.max");
+  EXPECT_EQ(job->sceneFilePath, u"C:\\scenes");
+  EXPECT_TRUE(job->jobRunning);
+  EXPECT_THAT(host.calls.lines(), Contains(AllOf(HasSubstr("LoadFromFile"), HasSubstr("C:/scenes/a.max"))));
+  EXPECT_EQ(log.lines().rbegin()[1], "Sending success");
+
+  startAfresh();
+  runLine("StartJob,\"C:\\\\scenes\\\\b.max\",Camera",
+          {"ERROR: Scene does not contain render camera \"Camera\"", kLoaded});
+}
+
+TEST_F(JobCommands, StartJobCountsItsParameters) {
+  for (const auto& [line, count] :
+       {std::pair("StartJob", "0"), std::pair("StartJob,a.max", "1"), std::pair("StartJob,a,b,c", "3")}) {
+    startAfresh();
+    EXPECT_TRUE(runLine(line, {std::string("ERROR: StartJob: Expected 2 parameters, got ") + count}));
+    EXPECT_TRUE(job->sceneFileName.empty());
+  }
+}
+
+TEST_F(JobCommands, StartJobReportsFailuresBeforeItsClosingReply) {
+  openJob();
+  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
+  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
+
+  startAfresh();
+  host.calls.on("SetDefaultAction", support::writingToNull());
+  worker->handshake("token").send("StartJob,a.max,");
+  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in StartJob(): Access Violation\nProcess:  "))
+      .expect(kLoaded)
+      .close();
+  EXPECT_TRUE(run());
+  EXPECT_FALSE(job->jobRunning);
+}
+
+TEST_F(JobCommands, EndJobAlwaysSucceedsInTheEnd) {
+  EXPECT_TRUE(runLine("EndJob,whatever",
+                      {"ERROR: EndJob called when consistency check flag jobRunning was not set", "SUCCESS"}));
+  EXPECT_THAT(log.lines(), Contains("Sending error"));
+
+  startAfresh();
+  openJob();
+  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
+  EXPECT_FALSE(job->jobRunning);
+
+  startAfresh();
+  openJob();
+  host.calls.on("ResetScene", support::writingToNull());
+  worker->handshake("token").send("EndJob");
+  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in EndJob(): Access Violation\nProcess:  "))
+      .expect("SUCCESS")
+      .close();
+  EXPECT_TRUE(run());
+  EXPECT_TRUE(job->jobRunning);
+}
+
+TEST_F(JobCommands, HostErrorsOfTheJobEndTheConversation) {
+  openJob();
+  host.calls.on("ResetScene", support::throwingMax(u"reset"));
+  worker->handshake("token").send("EndJob").expect("ERROR: MAXException caught in 3ds max: reset");
+  EXPECT_FALSE(run());
+}
+
+TEST_F(JobCommands, RenderTaskChecksItsFrameAndTheJob) {
+  const struct {
+    std::string line, reply;
+    std::int32_t frame;
+  } cases[] = {
+      {"RenderTask", "ERROR: RenderTask: Expected 1 parameter, got 0", 0},
+      {"RenderTask,1,2", "ERROR: RenderTask: Expected 1 parameter, got 2", 0},
+      {"RenderTask,abc", "ERROR: RenderTask: Parameter 1 , \"abc\", is not a valid frame number.", 0},
+      {"RenderTask, 12", "ERROR: RenderTask: Parameter 1 , \" 12\", is not a valid frame number.", 0},
+      {"RenderTask,12", "ERROR: RenderTask: Called without being in a job.", 12},
+  };
+  for (const auto& c : cases) {
+    startAfresh();
+    EXPECT_TRUE(runLine(c.line, {c.reply}));
+    EXPECT_EQ(job->currentFrame, c.frame);
+  }
+}
+
+TEST_F(JobCommands, RenderTaskRendersAndTellsTheResultLast) {
+  const support::TemporaryFolder folder;
+  host.core.renderOutput.SetName(folder.wide("beauty.exr"));
+  worker->handshake("token").send("StartJob,a.max,").expect(kLoaded);
+  worker->send("RenderTask,3").expect("STARTED").skipUntil("SUCCESS");
+  worker->send("RenderTask,4").expect("STARTED").skipUntil("SUCCESS");
+  worker->send("EndJob").expect("SUCCESS").close();
+  EXPECT_TRUE(run());
+  EXPECT_EQ(job->currentFrame, 4);
+  EXPECT_EQ(host.calls.count("CurRendererRenderFrame"), 2);
+}
+
+TEST_F(JobCommands, RenderTaskReportsFailuresBeforeItsResult) {
+  openJob();
+  host.calls.on("SetTime", support::throwingStandard("no time"));
+  worker->handshake("token").send("RenderTask,3").expect("STARTED");
+  worker->skipUntil("ERROR: no time").expect("ERROR: Failed to save file.").close();
+  EXPECT_TRUE(run());
+  EXPECT_THAT(clock.sleeps(), ElementsAre(500));
+
+  startAfresh();
+  openJob();
+  host.calls.on("SetTime", support::writingToNull());
+  worker->handshake("token").send("RenderTask,3").expect("STARTED");
+  worker->expect("FUNCTION: STDOUT: MaxCorvantis: Render frame 3");
+  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in RenderFrame(): Access Violation\nProcess:  "));
+  worker->expect("ERROR: Failed to save file.");
+  // The same process goes on with the next command.
+  worker->send("CurrentTask,9").close();
+  EXPECT_TRUE(run());
+  EXPECT_EQ(job->currentTask, 9);
+  EXPECT_THAT(clock.sleeps(), ElementsAre(500, 500));
+}
+
+}  // namespace
+}  // namespace corvantis

@@ -1,0 +1,210 @@
+#include "plugin/daemon/run_daemon.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+
+#include "daemon_fixture.h"
+#include "platform/environment.h"
+#include "plugin/daemon/build_version.h"
+
+namespace corvantis {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+class RunDaemon : public DaemonTest {
+ protected:
+  // A command during which anything can be made to happen.
+  bool runScript(support::FakeScriptRuntime::Evaluation evaluation, const std::string& report) {
+    scripts.evaluation = std::move(evaluation);
+    worker->handshake("token")
+        .send("ExecuteStringScript,1,x")
+        .expect("STARTED")
+        .expectThat(testing::StartsWith(report));
+    return run();
+  }
+};
+
+TEST_F(RunDaemon, ShakesHandsAndEndsWellWhenTheWorkerCloses) {
+  EXPECT_THAT(buildVersionString(), MatchesRegex("[A-Z][a-z][a-z] [ 123][0-9] [0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2} R"));
+  worker->expect("token").send("TessarynStartup").expect("Corvantis " + buildVersionString()).close();
+  EXPECT_TRUE(run());
+  EXPECT_THAT(log.lines(), ElementsAre("Thread: " + std::to_string(platform::currentThreadId()), "running daemon...",
+                                       "Returning TRUE"));
+}
+
+TEST_F(RunDaemon, SendsTheTokenAsUtf8) {
+  worker->expect("t\u00f6k\u4e2d").send("TessarynStartup").expectPrefix("Corvantis ").close();
+  worker->start();
+  EXPECT_TRUE(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"t\u00f6k\u4e2d"));
+  worker->finish();
+}
+
+TEST_F(RunDaemon, RefusesEveryOtherHandshake) {
+  for (const std::string word : {"tessarynstartup", "TessarynStartup ", "Tessaryn", ""}) {
+    startAfresh();
+    worker->expect("token").send(word);
+    worker->expect("Corvantis " + buildVersionString() + "   Incompatible plugin versions detected, exiting.");
+    worker->expect("ERROR: Exception caught in 3ds max: Incorrect handshake with Tessaryn plugin.");
+    EXPECT_FALSE(run());
+    EXPECT_THAT(log.lines(), Contains("Exception: Incorrect handshake with Tessaryn plugin."));
+  }
+  EXPECT_THAT(clock.sleeps(), ElementsAre(150, 150, 150, 150));
+}
+
+TEST_F(RunDaemon, ASilentHandshakeTimesOutAndLeavesTheConnectionOpen) {
+  worker->expect("token").letTimePass(clock, 120000);
+  worker->expect("ERROR: Exception caught in 3ds max: simple_socket: Timed out waiting for header packet to arrive.");
+  EXPECT_FALSE(run());
+  EXPECT_TRUE(socket->isConnected());
+  // Whatever the number: this is found out before it is looked at.
+  EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, 70000, u"token"));
+  EXPECT_EQ(log.lines().back(), "Exception: simple_socket::connect: Already connected.");
+}
+
+TEST_F(RunDaemon, FailsWhereNobodyListens) {
+  for (const std::int32_t port : {-1, 65536, 70000}) {
+    EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, port, u"token"));
+    EXPECT_THAT(log.lines(),
+                Contains("Exception: connect: Failed to connect to server at port " + std::to_string(port)));
+  }
+  EXPECT_EQ(clock.sleeps().size(), 3U) << "the pause comes whether or not a report could be sent";
+}
+
+TEST_F(RunDaemon, DrainsTheMessageQueueWhileTheWorkerIsIdle) {
+  worker->handshake("token");
+  for (int i = 0; i < 5; ++i) worker->letTimePass(clock, 120000);
+  worker->then([this] { clock.awaitWaiter(); }).send("CurrentTask,7").close();
+  const std::uint64_t before = platform::pumpCount();
+  EXPECT_TRUE(run());
+  EXPECT_EQ(platform::pumpCount() - before, 5U);
+  EXPECT_EQ(job->currentTask, 7);
+}
+
+TEST_F(RunDaemon, RefusesASecondRunWhileOneIsUnderWay) {
+  running = true;
+  EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token"));
+  EXPECT_TRUE(running);
+  EXPECT_FALSE(socket->isConnected());
+  const std::string text = "RunCorvantisDaemon() was executed while the daemon is already running.";
+  EXPECT_THAT(log.lines(), Contains(text));
+  EXPECT_EQ(support::narrow(scripts.printed()), text);
+  running = false;
+}
+
+TEST_F(RunDaemon, FramesEveryCommandInTheLog) {
+  runLine("CurrentTask,\"3\"", {});
+  EXPECT_THAT(log.lines(), ElementsAre(testing::_, "running daemon...", "", "Got command: CurrentTask,\"3\"", "",
+                                       "Command: CurrentTask,\"3\"", "CurrentTask", "3", "", "Returning TRUE"));
+}
+
+TEST_F(RunDaemon, ReportsWhatACommandCouldNotBeSplitInto) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"StartJob,C:\\scenes\\a.max,", "unknown escape sequence"},
+      {"CONTINUE\\", "cannot end with escape"},
+      {"\xff", "Invalid UTF-8"},
+      {"\xed\xa0\x80", "Invalid code point"},
+      {"\xe4\xb8", "Not enough space"},
+  };
+  for (const auto& [line, text] : cases) {
+    startAfresh();
+    worker->handshake("token").send(line).expect("ERROR: Exception caught in 3ds max: " + text);
+    EXPECT_FALSE(run());
+    EXPECT_THAT(log.lines(), Contains("Exception: " + text));
+  }
+}
+
+TEST_F(RunDaemon, RefusesAnOversizedMessage) {
+  worker->handshake("token").stallAfterHeader(100001);
+  worker->expect("ERROR: Exception caught in 3ds max: simple_socket::receive: Invalid packet size (given 100001)");
+  EXPECT_FALSE(run());
+}
+
+TEST_F(RunDaemon, ReportsEveryKindOfExceptionByItsType) {
+  using Value = hostsdk::Value;
+  EXPECT_FALSE(runScript([](auto&) -> Value* { throw std::bad_alloc(); },
+                         "ERROR: Exception caught in 3ds max: Out of memory.  There was not enough memory available to "
+                         "fulfill a memory request."));
+  EXPECT_THAT(log.lines(), Contains("Exception: std::bad_alloc"));
+
+  startAfresh();
+  EXPECT_FALSE(
+      runScript([](auto&) -> Value* { throw std::logic_error("odd"); }, "ERROR: Exception caught in 3ds max: odd"));
+  EXPECT_THAT(log.lines(), Contains("Exception: odd"));
+
+  startAfresh();
+  EXPECT_FALSE(runScript([](auto&) -> Value* { throw hostsdk::MAXException(u"host \u00e9rror"); },
+                         "ERROR: MAXException caught in 3ds max: host \u00e9rror"));
+  EXPECT_THAT(log.lines(), Contains("MAXException: host \xe9rror"));
+
+  startAfresh();
+  EXPECT_FALSE(
+      runScript([](auto&) -> Value* { throw 5; }, "ERROR: Unknown exception caught. (3ds max may have crashed)"));
+  EXPECT_THAT(log.lines(), Contains("Unknown exception caught"));
+
+  // A script error inside an evaluation is a standard exception with what it prints; elsewhere it comes as it is.
+  startAfresh();
+  EXPECT_FALSE(runScript([](auto&) -> Value* { throw hostsdk::RuntimeError(u"bad"); },
+                         "ERROR: Exception caught in 3ds max: -- Runtime error: bad"));
+  startAfresh();
+  host.calls.on("SetTime", []() -> std::optional<int> { throw hostsdk::RuntimeError(u"time"); });
+  worker->handshake("token").send("ExecuteMaxScriptFile,a.ms,true,1,false").expect("STARTED");
+  worker->expect("ERROR: Maxscript exception:-- Runtime error: time");
+  EXPECT_FALSE(run());
+  EXPECT_THAT(log.lines(), Contains("Maxscript exception caught: -- Runtime error: time"));
+  EXPECT_EQ(scripts.frameDepth(), 0U);
+}
+
+TEST_F(RunDaemon, SurvivesAFaultInACommandAndCanRunAgain) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "a command that faults is abandoned where it stands, with the memory it held: a leak by design";
+#endif
+  scripts.evaluation = [hook = support::writingToNull()](const std::u16string&) -> hostsdk::Value* {
+    return hook(), nullptr;
+  };
+  worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
+  worker->expectThat(
+      testing::StartsWith("ERROR: SEH exception: SEH Exception trapped in 3ds max: Access Violation\nProcess:  "));
+  EXPECT_FALSE(run());
+  EXPECT_THAT(log.lines(), Contains("SEH exception caught"));
+  EXPECT_TRUE(socket->isConnected());
+
+  startAfresh();
+  EXPECT_TRUE(runLine("Nonsense", {"ERROR: Unexpected command \"Nonsense\" received."}));
+}
+
+TEST_F(RunDaemon, AbandonsACommandWhoseWaitTimedOut) {
+  scripts.evaluation = [](const std::u16string&) -> hostsdk::Value* {
+    throw win32::simple_socket_timeout_error("inside");
+  };
+  worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
+  worker->send("Nonsense").expect("ERROR: Unexpected command \"Nonsense\" received.").close();
+  EXPECT_TRUE(run());
+}
+
+TEST_F(RunDaemon, PassesOnTheFailureToReport) {
+  worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
+  // Too much for one message, so that the reply and then the report of its failure cannot both be sent.
+  scripts.evaluation = [&](const std::u16string&) { return scripts.newString(std::u16string(100000, u'x')); };
+  worker->expect("ERROR: Exception caught in 3ds max: simple_socket::send: Tried to send too much data at once.");
+  EXPECT_FALSE(run());
+
+  startAfresh();
+  worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
+  scripts.evaluation = [&](const std::u16string&) -> hostsdk::Value* {
+    throw std::runtime_error(std::string(100000, 'x'));
+  };
+  worker->start();
+  EXPECT_THROW(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token"), win32::simple_socket_error);
+  EXPECT_FALSE(running);
+  worker->finish();
+}
+
+}  // namespace
+}  // namespace corvantis

@@ -1,0 +1,70 @@
+// The library itself, loaded as a host loads it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/dll/library_info.hpp>
+#include <boost/dll/shared_library.hpp>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+
+#include "hostsdk/function_publishing.h"
+#include "support/temporary_folder.h"
+
+namespace corvantis {
+namespace {
+
+const std::string kLibrary = std::string(CORVANTIS_BIN_DIR) + "/libcorvantis.so";
+
+TEST(Library, TellsWhatItIsAndPublishesItselfWhileLoaded) {
+  const std::size_t before = hostsdk::registeredInterfaces().size();
+  {
+    const boost::dll::shared_library library(kLibrary);
+    EXPECT_EQ(std::u16string(library.get<const char16_t*()>("LibDescription")()), u"Corvantis, Cloud interface");
+    EXPECT_EQ(library.get<std::uint32_t()>("LibVersion")(), 0x55F03700U);
+    library.get<void()>("LibInit")();
+    ASSERT_EQ(hostsdk::registeredInterfaces().size(), before + 1);
+    const hostsdk::PublishedInterface& published = hostsdk::registeredInterfaces().back()->published();
+    EXPECT_EQ(published.name, u"TessarynUtil");
+    EXPECT_EQ(published.functions.size() + published.properties.size(), 22U);
+  }
+  EXPECT_EQ(hostsdk::registeredInterfaces().size(), before);
+}
+
+// Whether this process has the file open.
+bool isOpen(const std::string& path) {
+  const auto isIt = [&](const std::filesystem::directory_entry& descriptor) {
+    std::error_code gone;
+    return std::filesystem::read_symlink(descriptor.path(), gone) == path;
+  };
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+  return std::any_of(begin(descriptors), end(descriptors), isIt);
+}
+
+TEST(Library, HasItsLogOpenWhileLoaded) {
+  if (!std::filesystem::exists("/proc/self/fd")) GTEST_SKIP() << "open files cannot be listed";
+  const support::TemporaryFolder folder;
+  const char* const before = std::getenv("TMP");
+  const std::optional<std::string> tmp = before ? std::optional<std::string>(before) : std::nullopt;
+  ::setenv("TMP", folder.path().c_str(), 1);
+  {
+    const boost::dll::shared_library library(kLibrary);
+    EXPECT_TRUE(isOpen(folder.path("corvantis.log")));
+  }
+  EXPECT_FALSE(isOpen(folder.path("corvantis.log")));
+  if (tmp)
+    ::setenv("TMP", tmp->c_str(), 1);
+  else
+    ::unsetenv("TMP");
+}
+
+TEST(Library, ShowsNothingButItsEntryPoints) {
+  boost::dll::library_info info(kLibrary);
+  std::vector<std::string> symbols = info.symbols();
+  EXPECT_THAT(symbols, testing::UnorderedElementsAre("LibDescription", "LibInit", "LibVersion"));
+}
+
+}  // namespace
+}  // namespace corvantis

@@ -1,0 +1,196 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "plugin/interface/mxs/evaluate.h"
+#include "plugin/interface/mxs/execute_script_string.h"
+#include "plugin/interface/mxs/file_in.h"
+#include "plugin/interface/mxs/frame.h"
+#include "plugin/interface/mxs/listener.h"
+#include "support/fake_host.h"
+#include "support/fake_script_runtime.h"
+#include "support/temporary_folder.h"
+
+namespace corvantis::mxs {
+namespace {
+
+using testing::ElementsAre;
+
+const std::u16string kLocals = u"__corvantisMXSlocals__";
+
+std::string errorOf(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+class ScriptHelpers : public testing::Test {
+ protected:
+  // Whatever happened, the runtime is left as it was found.
+  ~ScriptHelpers() override {
+    EXPECT_EQ(scripts.frameDepth(), 0U);
+    EXPECT_EQ(scripts.linkedArrays(), 0U);
+    EXPECT_EQ(scripts.disorder, 0);
+  }
+
+  support::FakeScriptRuntime scripts;
+  support::FakeHost host{&scripts};
+};
+
+TEST_F(ScriptHelpers, AFrameKeepsItsSlotsAliveAndRefusesMoreThanItHas) {
+  hostsdk::Value* kept = nullptr;
+  hostsdk::Value* lost = nullptr;
+  {
+    AllocationFrame callers(scripts);
+    frame<2> values;
+    EXPECT_EQ(scripts.frameDepth(), 2U);
+    EXPECT_EQ(scripts.threadInitialisations, 1);
+    hostsdk::Value*& slot = values.link();
+    EXPECT_EQ(slot, nullptr);
+    {
+      AllocationFrame inner(scripts);
+      slot = kept = scripts.newString(u"kept");
+      lost = scripts.newString(u"lost");
+    }
+    EXPECT_NO_THROW(scripts.requireAlive(kept));
+    EXPECT_THROW(scripts.requireAlive(lost), std::logic_error);
+    values.link();
+    EXPECT_EQ(errorOf([&] { values.link(); }), "mxs.frame.link: Index out of bounds [2]");
+  }
+  EXPECT_THROW(scripts.requireAlive(kept), std::logic_error);
+}
+
+TEST_F(ScriptHelpers, FileInGivesTheLastValueAndClosesTheFile) {
+  const support::TemporaryFolder folder;
+  folder.write("pre.ms", "40 + 2");
+  scripts.files[folder.wide("pre.ms")] = u"40 + 2";
+  scripts.evaluation = [&](const std::u16string&) {
+    EXPECT_EQ(scripts.fileStreams.at(0)->closed, 0);
+    return scripts.newString(u"42");
+  };
+  hostsdk::Value* value = file_in(folder.wide("pre.ms"));
+  EXPECT_EQ(value->text(), u"42");
+  EXPECT_EQ(scripts.threadLocals.result, value);
+  EXPECT_THAT(scripts.sources, ElementsAre(u"40 + 2"));
+  EXPECT_EQ(scripts.parserErrors, scripts.threadLocals.currentStdout);
+  const support::FakeFileStream& stream = *scripts.fileStreams.at(0);
+  EXPECT_EQ(stream.openedMode, u"r");
+  EXPECT_EQ(stream.openedCodePage, -1);
+  EXPECT_EQ(stream.closed, 1);
+
+  folder.write("empty.ms", "");
+  scripts.files[folder.wide("empty.ms")] = u"";
+  EXPECT_EQ(file_in(folder.wide("empty.ms")), scripts.undefined());
+}
+
+TEST_F(ScriptHelpers, FileInTellsWhatWentWrong) {
+  const support::TemporaryFolder folder;
+  folder.write("pre.ms", "x");
+  const std::u16string script = folder.wide("pre.ms");
+  EXPECT_EQ(errorOf([&] { file_in(u"\\no such\\script.ms"); }),
+            "mxs::file_in() - Tried to execute a maxscript file which doesn't exist: \"\\no such\\script.ms\"");
+  EXPECT_TRUE(scripts.fileStreams.empty());
+  EXPECT_EQ(errorOf([&] { file_in(script); }), "-- Runtime error: cannot open " + support::narrow(script));
+
+  scripts.files[script] = u"x";
+  scripts.compilation = [] { throw hostsdk::RuntimeError(u"syntax"); };
+  EXPECT_EQ(errorOf([&] { file_in(script); }), "-- Runtime error: syntax");
+  EXPECT_EQ(scripts.fileStreams.back()->closed, 1);
+  scripts.compilation = nullptr;
+  scripts.evaluation = [](const std::u16string&) -> hostsdk::Value* { throw hostsdk::RuntimeError(u"run"); };
+  EXPECT_EQ(errorOf([&] { file_in(script); }), "-- Runtime error: run");
+  EXPECT_EQ(scripts.fileStreams.back()->closed, 1);
+  scripts.evaluation = [](const std::u16string&) -> hostsdk::Value* { throw hostsdk::MAXException(u"host"); };
+  EXPECT_THROW(file_in(script), hostsdk::MAXException);
+  EXPECT_EQ(scripts.fileStreams.back()->closed, 1);
+}
+
+TEST_F(ScriptHelpers, StringScriptsRunAsOneBlockWithTheirLocals) {
+  hostsdk::Value* locals = nullptr;
+  scripts.evaluation = [&](const std::u16string&) {
+    locals = scripts.globalValues.values.at(kLocals);
+    EXPECT_EQ(dynamic_cast<hostsdk::Array&>(*locals).size(), 0U);
+    return scripts.newString(u"done");
+  };
+  executeScriptString script(u"a = 1\na + 1");
+  EXPECT_EQ(script.run()->text(), u"done");
+  EXPECT_THAT(scripts.sources, ElementsAre(u"(a = 1\na + 1)"));
+  EXPECT_EQ(scripts.globalValues.values.count(kLocals), 0U);
+}
+
+TEST_F(ScriptHelpers, StringScriptsLeaveTheLocalsGlobalAsItWas) {
+  const auto fails = [](const std::u16string&) -> hostsdk::Value* { throw hostsdk::RuntimeError(u"x"); };
+  const auto removes = [this](const std::u16string&) {
+    return scripts.globalValues.values.erase(kLocals), scripts.ok();
+  };
+  const auto succeeds = [this](const std::u16string&) { return scripts.ok(); };
+  for (const support::FakeScriptRuntime::Evaluation& evaluation :
+       {support::FakeScriptRuntime::Evaluation(fails), support::FakeScriptRuntime::Evaluation(removes),
+        support::FakeScriptRuntime::Evaluation(succeeds)}) {
+    scripts.evaluation = evaluation;
+    for (hostsdk::Value* before : {static_cast<hostsdk::Value*>(nullptr), scripts.ok()}) {
+      scripts.globalValues.values.clear();
+      if (before != nullptr) scripts.globalValues.values[kLocals] = before;
+      executeScriptString script(u"x");
+      errorOf([&] { script.run(); });
+      const auto after = scripts.globalValues.values.find(kLocals);
+      EXPECT_EQ(after == scripts.globalValues.values.end() ? nullptr : after->second, before);
+    }
+  }
+}
+
+TEST_F(ScriptHelpers, StringScriptsRestoreTheThreadWhenTheyAreGone) {
+  hostsdk::CharStream* const before = scripts.threadLocals.currentStdout;
+  scripts.threadLocals.evaluationLevel = 3;
+  scripts.threadLocals.sourcePosition = 40;
+  support::FakeStringStream elsewhere(scripts);
+  scripts.evaluation = [&](const std::u16string&) {
+    scripts.threadLocals.currentStdout = &elsewhere;
+    scripts.threadLocals.evaluationLevel = 9;
+    scripts.threadLocals.sourcePosition = 99;
+    return scripts.ok();
+  };
+  {
+    executeScriptString script(u"x");
+    script.run();
+    EXPECT_EQ(scripts.threadLocals.currentStdout, &elsewhere);
+  }
+  EXPECT_EQ(scripts.threadLocals.currentStdout, before);
+  EXPECT_EQ(scripts.threadLocals.evaluationLevel, 3);
+  EXPECT_EQ(scripts.threadLocals.sourcePosition, 40);
+
+  const support::TemporaryFolder folder;
+  folder.write("pre.ms", "x");
+  scripts.files[folder.wide("pre.ms")] = u"x";
+  file_in(folder.wide("pre.ms"));
+  EXPECT_EQ(scripts.threadLocals.currentStdout, &elsewhere) << "files restore nothing of the kind";
+}
+
+TEST_F(ScriptHelpers, ValuesAreTextOrWhatTheyPrint) {
+  EXPECT_EQ(textOf(*scripts.newString(u"plain")), u"plain");
+  EXPECT_EQ(textOf(*scripts.newOther(u"1.5", u"not this")), u"1.5");
+  EXPECT_EQ(textOf(*scripts.newOther(std::nullopt, u"$Box001")), u"$Box001");
+}
+
+TEST_F(ScriptHelpers, ListenerOutputGoesWhereScriptsPrint) {
+  printToListener(u"one ");
+  scripts.threadLocals.currentStdout = nullptr;
+  printToListener(u"two");
+  EXPECT_EQ(scripts.printed(), u"one two");
+  support::FakeStringStream elsewhere(scripts);
+  scripts.threadLocals.currentStdout = &elsewhere;
+  printToListener(u"three");
+  EXPECT_EQ(elsewhere.content, u"three");
+}
+
+TEST(ScriptHelpersWithoutHost, PrintNothingAndRefuseToEvaluate) {
+  EXPECT_NO_THROW(printToListener(u"lost"));
+  EXPECT_THROW(executeScriptString(u"x"), hostsdk::MAXException);
+}
+
+}  // namespace
+}  // namespace corvantis::mxs

@@ -1,0 +1,170 @@
+#include "plugin/job/black_frame.h"
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <utility>
+
+#include "support/job_fixture.h"
+
+namespace corvantis {
+namespace {
+
+using hostsdk::ColorFloat;
+using testing::ElementsAre;
+
+constexpr ColorFloat kBlack{0, 0, 0, 1};
+constexpr ColorFloat kWhite{1, 1, 1, 1};
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+// A bitmap whose pixels are computed, and which notes in which order they were read.
+class ComputedBitmap : public hostsdk::Bitmap, public hostsdk::BitmapStorage {
+ public:
+  using Color = std::function<ColorFloat(int x, int y)>;
+  ComputedBitmap(int width, int height, Color color) : width_(width), height_(height), color_(std::move(color)) {}
+
+  int Width() const override { return width_; }
+  int Height() const override { return height_; }
+  const hostsdk::BitmapInfo& Info() const override { return info_; }
+  hostsdk::BitmapStorage* Storage() override { return hasStorage ? this : nullptr; }
+  int PrepareGChannels(const hostsdk::BitmapInfo&) override { return 0; }
+  int Display(const char16_t*, int, bool, bool, hostsdk::CropCallback*, hostsdk::Bitmap*) override { return 0; }
+  int UnDisplay() override { return 0; }
+  std::uint16_t OpenOutput(const hostsdk::BitmapInfo&) override { return 1; }
+  std::uint16_t Write(const hostsdk::BitmapInfo&, int) override { return 1; }
+  int Close(const hostsdk::BitmapInfo&, int) override { return 0; }
+  void DeleteThis() override {}
+
+  int GetLinearPixels(int x, int y, int count, ColorFloat* out) override {
+    EXPECT_EQ(count, 1);
+    if (noteReads) reads.emplace_back(x, y);
+    if (!readable) return 0;
+    *out = color_(x, y);
+    return resultOfReads;
+  }
+  int PutLinearPixels(int, int, int, const ColorFloat*) override { return 0; }
+  int CopyImage(hostsdk::Bitmap*, int, hostsdk::Color64, const hostsdk::BitmapInfo&) override { return 0; }
+
+  bool hasStorage = true, readable = true, noteReads = false;
+  int resultOfReads = 1;
+  std::vector<std::pair<int, int>> reads;
+
+ private:
+  int width_, height_;
+  Color color_;
+  hostsdk::BitmapInfo info_;
+};
+
+class BlackFrame : public support::JobFixture {
+ protected:
+  std::string check(ComputedBitmap& bitmap) {
+    return errorOf([&] { checkBlackFrame(job, bitmap, connection); });
+  }
+  // Whether one pixel counts as black at a threshold.
+  bool black(ColorFloat pixel, float threshold) {
+    job.settings.blackPixelThreshold = threshold;
+    job.settings.blackPixelPercentage = 100;
+    ComputedBitmap bitmap(1, 1, [=](int, int) { return pixel; });
+    return !check(bitmap).empty();
+  }
+};
+
+TEST_F(BlackFrame, JudgesEachChannelAgainstTheThreshold) {
+  struct Case {
+    float threshold;
+    ColorFloat pixel;
+    bool black;
+  };
+  const Case cases[] = {
+      {0.1F, {0.05F, 0.05F, 0.05F, 1.0F}, true},  {0.1F, {0.05F, 0.05F, 0.05F, 0.0F}, true},
+      {0.1F, {0.05F, 0.05F, 0.05F, 0.5F}, false}, {0.1F, {0.05F, 0.2F, 0.05F, 1.0F}, false},
+      {0.1F, {0.2F, 0.05F, 0.05F, 1.0F}, false},  {0.1F, {0.05F, 0.05F, 0.2F, 1.0F}, false},
+      {0.1F, {0.1F, 0.1F, 0.1F, 0.1F}, true},   // at the threshold
+      {0.1F, {0.1F, 0.1F, 0.1F, 0.95F}, true},  // within it of opaque
+      {0.1F, {0.1F, 0.1F, 0.1F, 0.85F}, false},   {0.1F, {-1.0F, -1.0F, -1.0F, 2.0F}, true},
+      {0.0F, {0.0F, 0.0F, 0.0F, 0.0F}, true},     {0.0F, {-0.5F, 0.0F, 0.0F, 1.0F}, true},
+      {0.0F, {0.0F, 0.0F, 0.0F, 1.5F}, true},     {0.0F, {0.001F, 0.0F, 0.0F, 1.0F}, false},
+      {0.0F, {0.0F, 0.0F, 0.0F, 0.999F}, false},  {0.5F, {0.0F, 0.0F, 0.0F, 0.4999F}, true},  // alpha never excludes
+      {0.5F, {0.0F, 0.0F, 0.0F, 0.5F}, true},     {0.5F, {0.0F, 0.0F, 0.0F, 0.5001F}, true},
+      {1.0F, {1.0F, 1.0F, 1.0F, 0.5F}, true},     {0.1F, {kNaN, 0.0F, 0.0F, 1.0F}, false},
+      {0.1F, {0.0F, kNaN, 0.0F, 1.0F}, false},    {0.1F, {0.0F, 0.0F, kNaN, 1.0F}, false},
+      {0.1F, {0.0F, 0.0F, 0.0F, kNaN}, false},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(black(c.pixel, c.threshold), c.black)
+        << c.pixel.r << " " << c.pixel.g << " " << c.pixel.b << " " << c.pixel.a << " at " << c.threshold;
+  }
+}
+
+TEST_F(BlackFrame, ReportsAPassInThreeLines) {
+  job.settings.blackPixelPercentage = 20;
+  job.settings.blackPixelThreshold = 0.1F;
+  ComputedBitmap bitmap(40, 25, [](int x, int y) { return y * 40 + x < 199 ? kBlack : kWhite; });
+  EXPECT_EQ(check(bitmap), "");
+  EXPECT_THAT(log.unsentLines(), ElementsAre("  blackPixelPercentage = 20%", "  blackPixelThreshold = 0.1",
+                                             "199 of 1000 pixels are considered black (19%)"));
+}
+
+TEST_F(BlackFrame, ReportsAFailureInFour) {
+  job.settings.blackPixelPercentage = 50;
+  job.settings.blackPixelThreshold = 0.25F;
+  ComputedBitmap bitmap(10, 10, [](int x, int) { return x < 5 ? kBlack : kWhite; });
+  EXPECT_EQ(check(bitmap), "50% of the output image is black, which equals or exceeds the minimum of 50%");
+  EXPECT_THAT(log.unsentLines(), ElementsAre("  blackPixelPercentage = 50%", "  blackPixelThreshold = 0.25",
+                                             "50 of 100 pixels are considered black (50%)",
+                                             "50% of the output image is considered black, failing render..."));
+}
+
+TEST_F(BlackFrame, PassesOnePixelBelowTheMinimum) {
+  job.settings.blackPixelPercentage = 50;
+  ComputedBitmap bitmap(10, 10, [](int x, int y) { return y * 10 + x < 49 ? kBlack : kWhite; });
+  EXPECT_EQ(check(bitmap), "");
+  EXPECT_EQ(log.unsentLines().back(), "49 of 100 pixels are considered black (49%)");
+}
+
+TEST_F(BlackFrame, FailsEveryImageAtAMinimumOfZero) {
+  ComputedBitmap bitmap(3, 3, [](int, int) { return kWhite; });
+  EXPECT_EQ(check(bitmap), "0% of the output image is black, which equals or exceeds the minimum of 0%");
+}
+
+TEST_F(BlackFrame, CountsALargeImageWithoutOverflow) {
+  job.settings.blackPixelPercentage = 100;
+  ComputedBitmap bitmap(8000, 6000, [](int, int) { return kBlack; });  // 48 000 000 x 100 is beyond 32 bits
+  EXPECT_EQ(check(bitmap), "100% of the output image is black, which equals or exceeds the minimum of 100%");
+  EXPECT_EQ(log.unsentLines()[2], "48000000 of 48000000 pixels are considered black (100%)");
+}
+
+TEST_F(BlackFrame, ReadsPixelByPixelColumnByColumn) {
+  ComputedBitmap bitmap(2, 3, [](int, int) { return kWhite; });
+  bitmap.noteReads = true;
+  bitmap.resultOfReads = 0;  // is not examined
+  check(bitmap);
+  using P = std::pair<int, int>;
+  EXPECT_THAT(bitmap.reads, ElementsAre(P(0, 0), P(0, 1), P(0, 2), P(1, 0), P(1, 1), P(1, 2)));
+}
+
+TEST_F(BlackFrame, TakesAnUnreadablePixelAsTransparentBlack) {
+  job.settings.blackPixelPercentage = 100;
+  ComputedBitmap bitmap(2, 2, [](int, int) { return kWhite; });
+  bitmap.readable = false;
+  EXPECT_NE(check(bitmap), "");
+}
+
+TEST_F(BlackFrame, HasNothingToJudgeWithoutPixels) {
+  const auto white = [](int, int) { return kWhite; };
+  ComputedBitmap empty(0, 5, white);
+  ComputedBitmap flat(5, 0, white);
+  ComputedBitmap bare(5, 5, white);
+  bare.hasStorage = false;
+  for (ComputedBitmap* bitmap : {&empty, &flat, &bare}) {
+    job.settings.blackPixelPercentage = 1;
+    log.startAgain();
+    EXPECT_EQ(check(*bitmap), "");
+    EXPECT_EQ(log.unsentLines().back(), "0 of 0 pixels are considered black (0%)");
+    job.settings.blackPixelPercentage = 0;
+    EXPECT_EQ(check(*bitmap), "0% of the output image is black, which equals or exceeds the minimum of 0%");
+  }
+}
+
+}  // namespace
+}  // namespace corvantis

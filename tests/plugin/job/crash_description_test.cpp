@@ -1,0 +1,203 @@
+#include "plugin/job/crash_description.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/code_page.h"
+#include "support/faults.h"
+
+namespace corvantis {
+namespace {
+
+using platform::FaultContext;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+namespace fault = platform::fault;
+
+std::vector<std::string> linesOf(std::string_view text) {
+  std::vector<std::string> lines(1);
+  for (const char byte : text) {
+    if (byte == '\n') {
+      lines.emplace_back();
+    } else {
+      lines.back().push_back(byte);
+    }
+  }
+  return lines;
+}
+
+std::string hexadecimal(std::uintptr_t value) {
+  std::array<char, 9> text{};
+  std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(value));
+  return text.data();
+}
+
+std::string programPath() {
+  return platform::wideToMultibyte(platform::programPath(), platform::CodePage::ansi).value();
+}
+
+std::uintptr_t knownCode() { return reinterpret_cast<std::uintptr_t>(&describeCrash); }
+
+// A chain of frame records laid out by hand, innermost first, each with the code address given and the caller's words
+// 1, 2, 3, 4, 5.
+class Frames {
+ public:
+  explicit Frames(std::size_t count, std::uintptr_t returnAddress) : records_(count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const bool isLast = i + 1 == count;
+      records_[i].link = isLast ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&records_[i + 1]);
+      records_[i].returnAddress = returnAddress;
+    }
+  }
+  std::uintptr_t first() const { return reinterpret_cast<std::uintptr_t>(records_.data()); }
+  void setReturnAddress(std::size_t index, std::uintptr_t address) { records_[index].returnAddress = address; }
+
+ private:
+  struct Record {
+    std::uintptr_t link = 0;
+    std::uintptr_t returnAddress = 0;
+    std::array<std::uint32_t, 6> words = {1, 2, 0xABCDEF, 4, 0xFFFFFFFF, 6};
+  };
+  std::vector<Record> records_;
+};
+
+FaultContext contextAt(std::uintptr_t address, std::uintptr_t framePointer) {
+  FaultContext context;
+  context.code = fault::kIntegerDivideByZero;
+  context.address = address;
+  context.framePointer = framePointer;
+  return context;
+}
+
+TEST(SehExceptionName, NamesTheFifteenCodesAndNoOthers) {
+  const std::vector<std::pair<std::uint32_t, std::string>> names = {
+      {0xC0000005, "Access Violation"},        {0xC000008C, "Array Bounds Exceeded"},
+      {0x80000002, "Datatype Misalignment"},   {0xC000008D, "Float Denormal Operand"},
+      {0xC000008E, "Float Divide By Zero"},    {0xC000008F, "Float Inexact Result"},
+      {0xC0000090, "Float Invalid Operation"}, {0xC0000091, "Float Overflow"},
+      {0xC0000092, "Float Stack Check"},       {0xC000001D, "Illegal Instruction"},
+      {0xC0000006, "In Page Error"},           {0xC0000094, "Integer Divide By Zero"},
+      {0xC0000095, "Integer Overflow"},        {0xC0000096, "Privileged Instruction"},
+      {0xC00000FD, "Stack Overflow"}};
+  for (const auto& [code, name] : names) {
+    EXPECT_EQ(sehExceptionName(code), name);
+    EXPECT_TRUE(isTrappedCode(code)) << name;
+  }
+  for (const std::uint32_t code : {0xC0000093U, 0xE06D7363U, 0U}) {
+    EXPECT_STREQ(sehExceptionName(code), "Unknown SEH Exception Code");
+    EXPECT_FALSE(isTrappedCode(code)) << code;
+  }
+}
+
+TEST(DescribeCrash, TellsProcessModuleDateCodeAndInstruction) {
+  platform::ModuleAt module;
+  ASSERT_TRUE(findModuleForAddress(knownCode(), module));
+  platform::FileDate date;
+  ASSERT_TRUE(platform::lastWriteDate(platform::programPath(), date));
+  std::array<char, 32> dateText{};
+  std::snprintf(dateText.data(), dateText.size(), "%02d/%02d/%d", date.month, date.day, date.year);
+  std::string instruction = "Instruction: ";
+  const auto* const code = reinterpret_cast<const unsigned char*>(knownCode());
+  for (int i = 0; i < 16; ++i) {
+    std::array<char, 4> byte{};
+    std::snprintf(byte.data(), byte.size(), " %02X", code[i]);
+    instruction += byte.data();
+  }
+
+  const Frames frames(1, knownCode() + 1);
+  const FaultContext context = contextAt(knownCode(), frames.first());
+  const CrashText text = describeCrash(&context);
+  EXPECT_THAT(linesOf(text.view()),
+              ElementsAre("Process:  " + programPath(), "Module:  " + programPath(),
+                          std::string("Date Modified:  ") + dateText.data(), "Exception Code:  C0000094", instruction,
+                          "Call Stack:", hexadecimal(module.base) + "  " + programPath(),
+                          "  +" + hexadecimal(knownCode() - module.base) + "  Exception Offset",
+                          hexadecimal(module.base) + "  " + programPath(),
+                          "  +" + hexadecimal(knownCode() + 1 - module.base) + "  (1, 2, ABCDEF, 4, FFFFFFFF)"));
+}
+
+TEST(DescribeCrash, TellsTheAccessOfAnAccessViolationOnly) {
+  FaultContext context = contextAt(knownCode(), 0);
+  context.code = fault::kAccessViolation;
+  context.info = {0, 0x123456789A};
+  EXPECT_THAT(std::string(describeCrash(&context).view()), HasSubstr("\nRead Address:  3456789A\nInstruction: "));
+  context.info = {1, 0};
+  EXPECT_THAT(std::string(describeCrash(&context).view()), HasSubstr("\nWrite Address:  00000000\nInstruction: "));
+  context.code = fault::kInPageError;
+  EXPECT_THAT(std::string(describeCrash(&context).view()), Not(HasSubstr(" Address:")));
+}
+
+TEST(DescribeCrash, OutsideEveryModuleTellsTheAddressInstead) {
+  const FaultContext context = contextAt(support::kUnmappedAddress, 0);
+  const CrashText text = describeCrash(&context);
+  EXPECT_THAT(linesOf(text.view()), ElementsAre("Process:  " + programPath(), "Exception Addr:  00000010",
+                                                "Exception Code:  C0000094", "Instruction: ", "Call Stack:"));
+}
+
+TEST(DescribeCrash, AfterAJumpIntoDataTellsWhereItLed) {
+  const std::vector<unsigned char> heap(16, 0xAB);
+  const auto address = reinterpret_cast<std::uintptr_t>(heap.data());
+  const FaultContext context = contextAt(address, 0);
+  std::string instruction = "Instruction: ";
+  for (int i = 0; i < 16; ++i) instruction += " AB";
+  EXPECT_THAT(linesOf(describeCrash(&context).view()),
+              ElementsAre("Process:  " + programPath(), "Exception Addr:  " + hexadecimal(address),
+                          "Exception Code:  C0000094", instruction, "Call Stack:", hexadecimal(address)));
+}
+
+TEST(DescribeCrash, WithoutContextTellsTheProcess) {
+  EXPECT_EQ(describeCrash(nullptr).view(), "Process:  " + programPath() + "\nCall Stack:");
+}
+
+TEST(DescribeCallStack, HasAtMostTwentyFrames) {
+  const Frames frames(50, knownCode());
+  CrashText text;
+  const std::size_t appended = describeCallStack(contextAt(knownCode(), frames.first()), text);
+  EXPECT_EQ(appended, text.view().size());
+  EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 20U);
+}
+
+TEST(DescribeCallStack, EndsAtAReturnAddressThatIsNoCode) {
+  Frames frames(5, knownCode());
+  const int data = 0;
+  frames.setReturnAddress(2, reinterpret_cast<std::uintptr_t>(&data));
+  CrashText text;
+  describeCallStack(contextAt(knownCode(), frames.first()), text);
+  EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 3U);
+}
+
+TEST(DescribeCallStack, SurvivesAChainThatBitesItsTail) {
+  std::array<std::uintptr_t, 8> record{};
+  record[0] = reinterpret_cast<std::uintptr_t>(record.data());
+  record[1] = knownCode();
+  CrashText text;
+  describeCallStack(contextAt(knownCode(), record[0]), text);
+  EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 20U);
+}
+
+TEST(CrashText, CutsWhatDoesNotFit) {
+  CrashText text;
+  const std::string half(5000, 'x');
+  EXPECT_EQ(text.append("%s", half.c_str()), 5000U);
+  EXPECT_EQ(text.append("%s", half.c_str()), 2999U);
+  EXPECT_EQ(text.append("%s", half.c_str()), 0U);
+  EXPECT_EQ(text.view(), std::string(7999, 'x'));
+}
+
+TEST(FindModuleForAddress, NotFoundGivesAnEmptyPath) {
+  platform::ModuleAt module;
+  ASSERT_TRUE(findModuleForAddress(knownCode(), module));
+  EXPECT_EQ(module.path.data(), programPath());
+  EXPECT_FALSE(findModuleForAddress(support::kUnmappedAddress, module));
+  EXPECT_STREQ(module.path.data(), "");
+}
+
+}  // namespace
+}  // namespace corvantis

@@ -1,0 +1,330 @@
+#include "plugin/job/start_job.h"
+
+#include "hostsdk/exceptions.h"
+#include "plugin/job/end_job.h"
+#include "support/faults.h"
+#include "support/job_fixture.h"
+
+namespace corvantis {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+const std::u16string kScene = u"C:\\scenes\\shot.max";
+
+class StartOfJob : public support::JobFixture {
+ protected:
+  std::string start(const std::u16string& camera = u"") {
+    return errorOf([&] { StartJob(job, kScene, camera); });
+  }
+  // The lines of the log behind the last that says so.
+  std::vector<std::string> linesBehind(const std::string& last) const {
+    const std::vector<std::string> all = log.lines();
+    const auto found = std::find(all.begin(), all.end(), last);
+    return found == all.end() ? std::vector<std::string>{"no line: " + last}
+                              : std::vector<std::string>(found + 1, all.end());
+  }
+  static std::string pointerText(const void* pointer) {
+    std::ostringstream text;
+    text << pointer;
+    return text.str();
+  }
+};
+
+TEST_F(StartOfJob, TakesItsStepsInOrder) {
+  job.settings.gammaCorrection = true;
+  job.settings.gammaIn = 1.8F;
+  job.settings.gammaOut = 2.2F;
+  job.settings.usePathConfigFile = true;
+  job.settings.pathConfigFile = u"D:\\paths.mxp";
+  support::FakeCamera& camera = host.core.addCamera();
+  host.core.viewports[0].camera = &host.core.addNode(u"Cam", &camera);
+  EXPECT_EQ(start(), "");
+
+  const std::string viewport = pointerText(static_cast<hostsdk::ViewExp*>(&host.core.viewports[0]));
+  EXPECT_THAT(log.lines(),
+              ElementsAre("StartJob begin", "setting up gamma settings", "setting up default actions",
+                          "Not ignoring missing external file errors", "Not ignoring missing UVW cooridinate errors",
+                          "Not ignoring missing DLL errors", "Not ignoring missing XREF errors",
+                          "Loading alternate path config file D:\\paths.mxp", "Checking max file validity...",
+                          "Trying to load max file...", "Successfully loaded the max file",
+                          "setting up gamma settings again, just to ensure they're set",
+                          "setting up default actions again, just to ensure they're set",
+                          "Not ignoring missing external file errors", "Not ignoring missing UVW cooridinate errors",
+                          "Not ignoring missing DLL errors", "Not ignoring missing XREF errors",
+                          "Got the active viewport: " + viewport, "Rendering viewport with camera: Cam"));
+  EXPECT_THAT(
+      host.calls.linesOf({"Enable", "SetFileInGamma", "SetFileOutGamma", "LoadPathConfiguration", "IsSceneFile",
+                          "LoadFromFile", "MessageCount", "ActiveViewport", "CurrentRenderer"}),
+      ElementsAre("Enable 1", "SetFileInGamma 1.8", "SetFileOutGamma 2.2", "LoadPathConfiguration D:\\paths.mxp",
+                  "IsSceneFile C:\\scenes\\shot.max", "LoadFromFile C:\\scenes\\shot.max 14", "MessageCount 3",
+                  "Enable 1", "SetFileInGamma 1.8", "SetFileOutGamma 2.2", "ActiveViewport", "CurrentRenderer create",
+                  "CurrentRenderer create", "CurrentRenderer create"));
+  EXPECT_EQ(host.calls.count("SetDefaultAction"), 8);
+  EXPECT_TRUE(job.jobRunning);
+  EXPECT_EQ(job.renderCamera, host.core.viewports[0].camera);
+}
+
+TEST_F(StartOfJob, LeavesGammaAndPathsAloneUnlessAsked) {
+  job.settings.pathConfigFile = u"D:\\paths.mxp";
+  job.settings.mergePathConfigFile = true;
+  EXPECT_EQ(start(), "");
+  EXPECT_THAT(host.calls.linesOf(
+                  {"Enable", "SetFileInGamma", "SetFileOutGamma", "LoadPathConfiguration", "MergePathConfiguration"}),
+              ElementsAre());
+
+  EndJob(job);
+  job.settings.usePathConfigFile = true;
+  host.calls.on("MergePathConfiguration", support::answering(0));  // is not examined
+  EXPECT_EQ(start(), "");
+  EXPECT_THAT(host.calls.linesOf({"LoadPathConfiguration", "MergePathConfiguration"}),
+              ElementsAre("MergePathConfiguration D:\\paths.mxp"));
+  EXPECT_THAT(log.lines(), Contains("Merging alternate path config file D:\\paths.mxp"));
+}
+
+TEST_F(StartOfJob, ASecondOneIsRefusedButResetsTheSettings) {
+  EXPECT_EQ(start(), "");
+  job.settings.frameNumberBase = 100;
+  job.settings.failOnBlackFrames = true;
+  job.isRendererB = true;
+  host.calls.clear();
+  EXPECT_EQ(start(), "StartJob called when job was already running.");
+  EXPECT_TRUE(job.jobRunning);
+  EXPECT_EQ(job.settings.frameNumberBase, 0);
+  EXPECT_FALSE(job.settings.failOnBlackFrames);
+  EXPECT_FALSE(job.isRendererB);
+  EXPECT_THAT(host.calls.lines(), ElementsAre());
+}
+
+TEST_F(StartOfJob, ClosesARendererThatAFrameOutsideAnyJobLeftOpen) {
+  job.rendererOpen = true;
+  host.calls.on("CloseCurRenderer", support::onCall(1, support::writingToNull()));
+  EXPECT_THAT(start(), StartsWith("Trapped SEH Exception in CloseCurRenderer(): Access Violation\nProcess:  "));
+  EXPECT_EQ(host.calls.count("LoadFromFile"), 0);
+  EXPECT_FALSE(job.jobRunning);
+
+  EXPECT_EQ(start(), "");
+  EXPECT_FALSE(job.rendererOpen);
+  host.calls.clear();
+  EndJob(job);
+  EXPECT_THAT(host.calls.lines(), ElementsAre("ResetScene 1"));
+}
+
+TEST_F(StartOfJob, KeepsTheIgnoreFlagsForTheNextJob) {
+  job.settings.ignoreMissingXREFs = true;
+  EXPECT_EQ(start(), "");
+  EndJob(job);
+  host.calls.clear();
+  EXPECT_EQ(start(), "");
+  EXPECT_THAT(host.calls.lines(), Contains("SetDefaultAction 3 1 0 none").Times(2));
+}
+
+TEST_F(StartOfJob, FailsWithTheTextOfWhatWentWrong) {
+  const std::string scene = "\"C:\\scenes\\shot.max\"";
+  struct Case {
+    const char* operation;
+    support::Hook hook;
+    std::string error;
+    std::string lastLine;
+  };
+  const Case cases[] = {
+      {"IsSceneFile", support::answering(0), "Invalid max file: " + scene, "Checking max file validity..."},
+      {"LoadFromFile", support::answering(0), "Failed to load max file: " + scene, "LoadFromFile() returned failure"},
+      {"LoadFromFile", support::throwingStandard("disk gone"),
+       "Caught an exception in GetCOREInterface()->LoadFromFile(): disk gone",
+       "catch(std::exception& e) from LoadFromFile()"},
+      {"LoadFromFile", support::throwingMax(u"caf\u00e9"),
+       "Caught a MAXException in GetCOREInterface()->LoadFromFile(): caf\xe9",
+       "catch(MAXException& e) from LoadFromFile()"},
+      {"LoadFromFile", support::throwingOther(), "3ds max crashed in GetCOREInterface()->LoadFromFile(): " + scene,
+       "catch(...) from LoadFromFile()"},
+  };
+  for (const Case& c : cases) {
+    log.startAgain();
+    host.calls.on(c.operation, c.hook);
+    EXPECT_EQ(start(), c.error);
+    EXPECT_EQ(log.lines().back(), c.lastLine);
+    EXPECT_FALSE(job.jobRunning);
+    host.calls.off(c.operation);
+  }
+  EXPECT_EQ(start(), "");
+}
+
+TEST_F(StartOfJob, FailsWithTheHostsTextForAMissingXref) {
+  host.core.defaultActions.messages[3] = {u"Missing XREF props.max", u"another"};
+  EXPECT_EQ(start(), "Missing XREF props.max");
+  EXPECT_THAT(host.calls.linesOf({"MessageCount", "MessageText"}), ElementsAre("MessageCount 3", "MessageText 3 0"));
+  EXPECT_FALSE(job.jobRunning);
+  EXPECT_THAT(log.lines(), Not(Contains("Successfully loaded the max file")));
+}
+
+TEST_F(StartOfJob, LetsOtherErrorsOfTheHostPass) {
+  host.calls.on("IsSceneFile", support::throwingMax(u"no such drive"));
+  std::string sehText;
+  EXPECT_THROW(trappedStartJob(job, kScene, u"", sehText), hostsdk::MAXException);
+  EXPECT_EQ(sehText, "");
+  EXPECT_FALSE(job.jobRunning);
+}
+
+TEST_F(StartOfJob, TurnsAFaultInTheLoadIntoAFailure) {
+  host.calls.on("LoadFromFile", support::onCall(1, support::writingToNull()));
+  const std::string error = start();
+  EXPECT_EQ(error, "Trapped SEH Exception in LoadFromFile(): Access Violation\n" + job.crashDescription);
+  EXPECT_THAT(job.crashDescription, StartsWith("Process:  "));
+  EXPECT_THAT(job.crashDescription, HasSubstr("\nWrite Address:  00000000"));
+  EXPECT_FALSE(job.jobRunning);
+  EXPECT_THAT(log.lines(), Not(Contains("LoadFromFile() returned failure")));
+
+  EXPECT_EQ(start(), "");  // the host goes on
+  EXPECT_TRUE(job.jobRunning);
+}
+
+TEST_F(StartOfJob, SurvivesEveryKindOfFaultInTheLoad) {
+  struct Case {
+    const char* name;
+    std::function<void()> fault;
+  };
+  const Case cases[] = {
+    {"Access Violation", [] { support::readFromNull(); }},
+    {"Access Violation", [] { support::callUnmapped(); }},
+    {"Access Violation", [] { support::readImpossibleAddress(); }},
+    {"Integer Divide By Zero", [] { support::divideIntegerByZero(); }},
+    {"Illegal Instruction", [] { support::executeIllegalInstruction(); }},
+    {"Float Divide By Zero", [] { support::divideFloatByZero(); }},
+#if !defined(__SANITIZE_ADDRESS__)  // which does not check frames at the end of the stack
+    {"Stack Overflow", [] { support::overflowStack(); }},
+#endif
+  };
+  for (const Case& c : cases) {
+    host.calls.on("LoadFromFile", support::onCall(1, support::faulting(c.fault)));
+    EXPECT_THAT(start(), StartsWith(std::string("Trapped SEH Exception in LoadFromFile(): ") + c.name + "\n"));
+    EXPECT_EQ(start(), "") << "after " << c.name;
+    EndJob(job);
+  }
+}
+
+TEST_F(StartOfJob, ReportsAFaultElsewhereThroughTheTrap) {
+  for (const char* operation :
+       {"DefaultActionSystem", "IsSceneFile", "MessageCount", "ActiveViewport", "CurrentRenderer"}) {
+    std::string sehText = "old";
+    host.calls.on(operation, support::dividingByZero());
+    trappedStartJob(job, kScene, u"", sehText);
+    EXPECT_EQ(sehText, "Trapped SEH Exception in StartJob(): Integer Divide By Zero") << operation;
+    EXPECT_THAT(job.crashDescription, HasSubstr("Exception Code:  C0000094"));
+    EXPECT_THAT(job.crashDescription, Not(HasSubstr("Address:  ")));
+    EXPECT_FALSE(job.jobRunning);
+    host.calls.off(operation);
+  }
+  std::string sehText = "old";
+  trappedStartJob(job, kScene, u"", sehText);
+  EXPECT_EQ(sehText, "");
+  EXPECT_TRUE(job.jobRunning);
+}
+
+TEST_F(StartOfJob, RendersTheNamedCameraOfTheActiveViewport) {
+  support::FakeNode& other = host.core.addNode(u"Other", &host.core.addCamera());
+  support::FakeNode& named = host.core.addNode(u"Named", nullptr);  // whether it is a camera is tested later
+  host.core.viewports[1].camera = &other;
+  host.core.activeViewport = 1;
+  job.renderViewLocked = true;
+  EXPECT_EQ(start(u"Named"), "");
+  EXPECT_EQ(job.renderViewport, &host.core.viewports[1]);
+  EXPECT_EQ(job.renderCamera, &named);
+  EXPECT_FALSE(job.renderViewLocked);
+  EXPECT_EQ(log.lines().back(), "Got the active viewport: " + pointerText(job.renderViewport));
+}
+
+TEST_F(StartOfJob, FailsForACameraThatTheSceneLacks) {
+  host.core.viewports[0].camera = &host.core.addNode(u"Cam", nullptr);
+  EXPECT_EQ(start(u"Kamera \u00fc"), "Scene does not contain render camera \"Kamera \xfc\"");
+  EXPECT_FALSE(job.jobRunning);
+}
+
+TEST_F(StartOfJob, RendersAViewThatIsNoCamera) {
+  job.renderCamera = &host.core.addNode(u"of the last job", nullptr);
+  EXPECT_EQ(start(), "");
+  EXPECT_EQ(job.renderCamera, nullptr);
+  EXPECT_EQ(log.lines().back(), "Viewport is not a camera, so its current view will be rendered");
+}
+
+TEST_F(StartOfJob, LetsALockedViewportDecide) {
+  host.core.usesActiveViewport = false;
+  host.core.lockedViewportIndex = 2;
+  support::FakeNode& camera = host.core.addNode(u"Locked camera", nullptr);
+  host.core.viewports[2].camera = &camera;
+  EXPECT_EQ(start(u"not in the scene"), "");
+  EXPECT_TRUE(job.renderViewLocked);
+  EXPECT_EQ(job.lockedViewportIndex, 2);
+  EXPECT_EQ(job.renderViewport, &host.core.viewports[2]);
+  EXPECT_EQ(job.renderCamera, &camera);
+  EXPECT_EQ(host.calls.count("NodeByName"), 0);
+  EXPECT_THAT(linesBehind("setting up default actions again, just to ensure they're set"),
+              ElementsAre(StartsWith("Not"), StartsWith("Not"), StartsWith("Not"), StartsWith("Not"),
+                          "Viewport 2 is locked", "Got the locked viewport: " + pointerText(job.renderViewport),
+                          "Rendering viewport with camera: Locked camera"));
+}
+
+TEST_F(StartOfJob, TreatsALockedViewportThatIsNotThereAsAView) {
+  host.core.usesActiveViewport = false;
+  host.calls.on("Viewport", support::answering(0));
+  EXPECT_EQ(start(), "");
+  EXPECT_EQ(job.renderViewport, nullptr);
+  EXPECT_EQ(job.renderCamera, nullptr);
+}
+
+TEST_F(StartOfJob, RecognisesTheRenderer) {
+  struct Case {
+    hostsdk::Class_ID id;
+    bool a, b, c;
+    int fetches;
+  };
+  const Case cases[] = {
+      {{0x52ad1c02, 0x112d2fbc}, true, false, false, 1},  {{0x73bab286, 0x77f8fd0c}, false, true, false, 2},
+      {{0x58f67d6c, 0x4fcf3bc3}, false, false, true, 3},  {{0x52ad1c02, 0x77f8fd0c}, false, false, false, 3},
+      {{0x112d2fbc, 0x52ad1c02}, false, false, false, 3},
+  };
+  for (const Case& c : cases) {
+    host.core.renderer.classId = c.id;
+    host.calls.clear();
+    EXPECT_EQ(start(), "");
+    EXPECT_EQ(job.isRendererA, c.a);
+    EXPECT_EQ(job.isRendererB, c.b);
+    EXPECT_EQ(job.isRendererC, c.c);
+    EXPECT_EQ(host.calls.count("CurrentRenderer"), c.fetches);
+    EndJob(job);
+  }
+  host.core.hasRenderer = false;
+  EXPECT_EQ(start(), "");
+  EXPECT_FALSE(job.isRendererA || job.isRendererB || job.isRendererC);
+}
+
+TEST_F(StartOfJob, FetchesTheHostCoreAfresh) {
+  EXPECT_EQ(start(), "");
+  EndJob(job);
+  support::FakeHost next;
+  EXPECT_EQ(start(), "");
+  EXPECT_EQ(job.hostCore.v8, &next.core);
+  EXPECT_EQ(job.hostCore.v11, &next.core);
+  EXPECT_EQ(job.hostCore.v14, &next.core);
+}
+
+TEST(StateOfJob, HoldsItsValuesAtLoad) {
+  const JobState job;
+  log_file.close();
+  EXPECT_FALSE(job.jobRunning || job.rendererOpen || job.renderViewLocked || job.multipassEnabled);
+  EXPECT_EQ(job.renderViewport, nullptr);
+  EXPECT_EQ(job.renderCamera, nullptr);
+  EXPECT_EQ(job.multipassEffect, nullptr);
+  EXPECT_EQ(job.lockedViewportIndex, -1);
+  EXPECT_EQ(job.passCount, 1);
+  EXPECT_EQ(job.currentFrame, 0);
+  EXPECT_EQ(job.currentTask, 0);
+  EXPECT_EQ(job.crashDescription, "No message");
+}
+
+}  // namespace
+}  // namespace corvantis

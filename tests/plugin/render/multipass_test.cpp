@@ -1,0 +1,148 @@
+#include "frame_fixture.h"
+
+namespace corvantis {
+namespace {
+
+using support::answering;
+using support::onCall;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::FloatNear;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class Multipass : public support::FrameFixture {
+ protected:
+  std::vector<std::string> toldOfPasses() const {
+    std::vector<std::string> lines = toldFrom("Rendering multipass effect:");
+    lines.erase(std::find(lines.begin(), lines.end(), "Render done"), lines.end());
+    return lines;
+  }
+};
+
+TEST_F(Multipass, AccumulatesImageAndElementsPassByPass) {
+  useMultipass(3).timeShift = 40;
+  addElement(u"Z", at("z.exr"));
+  addElement(u"N", at("n.exr"));
+  ASSERT_EQ(render(2), "");
+  EXPECT_THAT(
+      toldOfPasses(),
+      ElementsAre("Rendering multipass effect:", "  Rendering pass 1 of 3",
+                  "  CallCurRendererRenderFrame returned code 1", "  Accumulating bitmap",
+                  "  Accumulating render element 1 of 2", "  Accumulating render element 2 of 2", "  Success",
+                  "  Rendering pass 2 of 3", "  CallCurRendererRenderFrame returned code 1", "  Accumulating bitmap",
+                  "  Accumulating render element 1 of 2", "  Accumulating render element 2 of 2", "  Success",
+                  "  Rendering pass 3 of 3", "  CallCurRendererRenderFrame returned code 1", "  Accumulating bitmap",
+                  "  Accumulating render element 1 of 2", "  Accumulating render element 2 of 2", "  Success"));
+}
+
+// Bitmap 1 is the main one, 2 the element's, 3 its accumulator, 4 the passes'.
+TEST_F(Multipass, HandsTheEffectItsBitmapsAndTimes) {
+  useMultipass(2).timeShift = 40;
+  addElement(u"Z", at("z.exr"));
+  useRegion(1, {1, 2, 3, 4});
+  ASSERT_EQ(render(2), "");
+  EXPECT_THAT(
+      calls({"SetupPass", "CurRendererRenderFrame", "AccumulateBitmap", "Finish", "DeleteThis", "OpenOutput"}),
+      ElementsAre("SetupPass Cam camera pass 0 time 320", "CurRendererRenderFrame 320 #4 duration 1 view 1,2,3,4",
+                  "AccumulateBitmap #1 #4 pass 0 time 320", "AccumulateBitmap #3 #2 pass 0 time 320",
+                  "SetupPass Cam camera pass 1 time 320", "CurRendererRenderFrame 360 #4 duration 1 view 1,2,3,4",
+                  "AccumulateBitmap #1 #4 pass 1 time 360", "AccumulateBitmap #3 #2 pass 1 time 360", "DeleteThis #4",
+                  "Finish", R"(OpenOutput #1 OUT\beauty0002.exr 8x6 type 7)", "DeleteThis #2",
+                  R"(OpenOutput #3 OUT\z0002.exr 8x6 type 7)", "DeleteThis #1", "DeleteThis #3"));
+  ASSERT_EQ(host.bitmaps.written.size(), 2U);
+  EXPECT_NEAR(host.bitmaps.written[0].pixels[0].r, 0.5F, 1e-5F);
+  EXPECT_NEAR(host.bitmaps.written[1].pixels[0].b, 0.75F, 1e-5F);
+}
+
+TEST_F(Multipass, SavesTheEmptyImageOfAnEffectWithoutPasses) {
+  useMultipass(0);
+  ASSERT_EQ(render(2), "");
+  EXPECT_THAT(toldOfPasses(), ElementsAre("Rendering multipass effect:"));
+  EXPECT_THAT(calls({"Finish"}), ElementsAre("Finish"));
+  ASSERT_EQ(host.bitmaps.written.size(), 1U);
+  EXPECT_EQ(host.bitmaps.written[0].pixels[0].a, 0.0F);
+}
+
+TEST_F(Multipass, ReleasesThePassesBeforeItReportsAFailingOne) {
+  useMultipass(3);
+  addElement(u"Z", at("z.exr"));
+  host.calls.on("CurRendererRenderFrame", onCall(2, answering(0)));
+  EXPECT_EQ(render(2), "Failed to render the frame for pass 2 of 3");
+  EXPECT_THAT(toldFrom("  Rendering pass 2 of 3"),
+              ElementsAre("  Rendering pass 2 of 3", "  CallCurRendererRenderFrame returned code 0", "  Failure"));
+  EXPECT_THAT(calls({"DeleteThis", "Finish"}),
+              ElementsAre("DeleteThis #4", "DeleteThis #2", "DeleteThis #1", "DeleteThis #3"));
+}
+
+TEST_F(Multipass, EndsAtAFaultingPass) {
+  useMultipass(3);
+  addElement(u"Z", at("z.exr"));
+  host.calls.on("CurRendererRenderFrame", onCall(2, support::writingToNull()));
+  EXPECT_THAT(render(2), StartsWith("Trapped SEH Exception in CurRendererRenderFrame(): Access Violation\nProcess:  "));
+  EXPECT_EQ(told().back(), "  CallCurRendererRenderFrame returned code 0");
+  host.calls.off("CurRendererRenderFrame");
+  EXPECT_EQ(render(3), "");
+}
+
+TEST_F(Multipass, NeedsABitmapForThePasses) {
+  useMultipass(3);
+  host.calls.on("Create", onCall(2, answering(0)));
+  EXPECT_EQ(render(2), "Failed to allocate Bitmap: TheManager->Create() return NULL");
+  EXPECT_EQ(told().back(), "Rendering multipass effect:");
+}
+
+TEST_F(Multipass, ShowsThePassesAndHidesThemOnce) {
+  useMultipass(2);
+  job.settings.showFrameBuffer = true;
+  ASSERT_EQ(render(2), "");
+  EXPECT_THAT(calls({"Display", "UnDisplay", "DeleteThis"}),
+              ElementsAre(StartsWith("Display #2 "), StartsWith("Display #2 "), "UnDisplay #2", "DeleteThis #2",
+                          "DeleteThis #1"));
+}
+
+TEST_F(Multipass, PassesAViewOfNoneOn) {
+  useMultipass(1);
+  host.calls.on("SetupPass", answering(0));
+  ASSERT_EQ(render(2), "");
+  EXPECT_THAT(calls({"CurRendererRenderFrame"}), ElementsAre("CurRendererRenderFrame 320 #2 duration 1 none none"));
+}
+
+// Creates: main, first element, second element, first accumulator, second accumulator, passes.
+TEST_F(Multipass, LeavesOutAnElementThatLacksABitmapOrAnAccumulator) {
+  for (const int missing : {2, 4}) {
+    host.calls.clear();
+    host.bitmaps.written.clear();
+    log.startAgain();
+    job.rendererOpen = false;
+    if (missing == 2) {
+      useMultipass(1);
+      addElement(u"Z", at("z.exr"));
+      addElement(u"N", at("n.exr"));
+    }
+    host.calls.on("Create", onCall(missing, answering(0)));
+    ASSERT_EQ(render(2), "") << missing;
+    EXPECT_THAT(told(), Contains("  Accumulating render element 1 of 2"));
+    EXPECT_THAT(calls({"AccumulateBitmap"}), testing::SizeIs(2)) << missing;
+    EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0002.exr)", R"(OUT\n0002.exr)")) << missing;
+  }
+}
+
+TEST_F(Multipass, ReleasesAccumulatorsThatAnAbandonedFrameLeft) {
+  useMultipass(2);
+  addElement(u"Z", at("z.exr"));
+  ASSERT_EQ(render(1), "");
+  hostsdk::BitmapInfo info;
+  for (const bool rendererOpen : {true, false}) {
+    job.elementAccumulators = {host.bitmaps.Create(info), nullptr};
+    job.rendererOpen = rendererOpen;
+    ASSERT_EQ(render(2), "");
+    EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0002.exr)", R"(OUT\z0002.exr)"));
+  }
+}
+
+}  // namespace
+}  // namespace corvantis

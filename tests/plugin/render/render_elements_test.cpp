@@ -1,0 +1,143 @@
+#include "frame_fixture.h"
+
+namespace corvantis {
+namespace {
+
+using support::answering;
+using support::narrow;
+using support::onCall;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class RenderElements : public support::FrameFixture {
+ protected:
+  std::vector<std::string> toldOfSaving() const { return toldFrom("Checking render elements"); }
+};
+
+TEST_F(RenderElements, CountsOnlyEnabledOnes) {
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", at("b.exr")).enabled = false;
+  addElement(u"C", at("c.exr"));
+  job.settings.useRenderElementFilenames = true;
+  job.settings.renderElementFilenames = {at("first.exr"), at("second.exr")};
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(told(), Contains("Rendering 2 render elements"));
+  EXPECT_THAT(toldOfSaving(), ElementsAre("Checking render elements", R"(Writing to output file: OUT\first0007.exr)",
+                                          R"(Writing to output file: OUT\second0007.exr)"));
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\first0007.exr)", R"(OUT\second0007.exr)"));
+}
+
+TEST_F(RenderElements, TakeTheirPreparationFromTheScene) {
+  support::FakeElement& element = addElement(u"A", at("a.exr"));
+  host.core.renderer.requirements = {3};
+  host.core.renderPixelAspect = 1.5F;
+  ASSERT_EQ(render(7), "");
+  EXPECT_EQ(element.output.info.Type(), hostsdk::kBitmapRealPixFloat32);
+  EXPECT_EQ(element.output.info.Width(), 8);
+  EXPECT_EQ(element.output.info.Height(), 6);
+  EXPECT_EQ(element.output.info.Aspect(), 1.5F);
+  EXPECT_NE(element.output.info.Flags() & hostsdk::kMapHasAlpha, 0U);
+}
+
+TEST_F(RenderElements, AreNotThereWhileTheManagerIsSwitchedOff) {
+  addElement(u"A", at("a.exr"));
+  host.core.elements.active = false;
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
+}
+
+TEST_F(RenderElements, WithoutAnOutputRecordAreLeftOut) {
+  addElement(u"A", at("a.exr")).hasOutput = false;
+  addElement(u"B", at("b.exr"));
+  ASSERT_EQ(render(7), "");
+  EXPECT_EQ(job.renderElementCount, 1);
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\b0007.exr)"));
+}
+
+TEST_F(RenderElements, IgnoredByNameAreRenderedButNotSaved) {
+  addElement(u"Depth", at("gone/depth.exr"));
+  addElement(u"depth", at("kept/depth.exr"));
+  job.settings.ignoredRenderElementNames = {u"Dep", u"Depth"};
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(told(), Not(Contains(R"(Creating output path: OUT\gone)")));
+  EXPECT_THAT(told(), Contains(R"(Creating output path: OUT\kept)"));
+  EXPECT_EQ(host.calls.count("Create"), 3);
+  EXPECT_THAT(toldOfSaving(),
+              ElementsAre("Checking render elements", R"(Writing to output file: OUT\kept\depth0007.exr)"));
+}
+
+TEST_F(RenderElements, AreRenderedButNotSavedWhenAllAreIgnored) {
+  job.settings.saveRenderElements = false;
+  addElement(u"A", at("deep/a.exr"));
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(told(), Not(Contains("Checking render elements")));
+  EXPECT_THAT(told(), Not(Contains(R"(Creating output path: OUT\deep)")));
+  EXPECT_THAT(told(), Contains("Rendering 1 render elements"));
+  EXPECT_THAT(calls({"Create"}), Contains(R"(Create OUT\deep\a0007.exr 8x6 type 7)"));
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)"));
+}
+
+TEST_F(RenderElements, WithoutAFileNameAreWarnedOf) {
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", u"");
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(toldOfSaving(), ElementsAre("Checking render elements", R"(Writing to output file: OUT\a0007.exr)",
+                                          "Not saving render element 1 because its output path is empty"));
+  EXPECT_THAT(calls({"Create"}), Contains("Create  8x6 type 7"));
+}
+
+TEST_F(RenderElements, FallBackOnTheScenesNamesWhereTheListIsTooShort) {
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", at("b.exr"));
+  job.settings.useRenderElementFilenames = true;
+  job.settings.renderElementFilenames = {at("given.exr")};
+  job.settings.removePadding = true;
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty.exr)", R"(OUT\given.exr)", R"(OUT\b.exr)"));
+}
+
+TEST_F(RenderElements, KeepTheSceneNamesFromFrameToFrame) {
+  addElement(u"A", at("a.exr"));
+  ASSERT_EQ(render(7), "");
+  ASSERT_EQ(render(8), "");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\a0008.exr)"));
+}
+
+TEST_F(RenderElements, WithoutABitmapArePassedOver) {
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", at("b.exr"));
+  failOnBlack(true);
+  host.calls.on("Create", onCall(2, answering(0)));
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\b0007.exr)"));
+  EXPECT_THAT(told(), Not(Contains(R"(Checking if OUT\a0007.exr is black)")));
+}
+
+TEST_F(RenderElements, FailTheFrameWhenTheyAreBlack) {
+  failOnBlack(true);
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", at("b.exr")).color = [](int, int) { return hostsdk::ColorFloat{0, 0, 0, 1}; };
+  addElement(u"C", at("c.exr"));
+  EXPECT_EQ(render(7), "100% of the output image is black, which equals or exceeds the minimum of 50%");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\a0007.exr)"));
+  EXPECT_THAT(told(), Contains(R"(Checking if OUT\b0007.exr is black)"));
+}
+
+TEST_F(RenderElements, AreCheckedForBlackBeforeTheirMissingNameIsNoticed) {
+  failOnBlack(true);
+  addElement(u"A", u"");
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(toldOfSaving(), Contains("Checking if  is black"));
+  EXPECT_EQ(told().back(), "Not saving render element 0 because its output path is empty");
+}
+
+TEST_F(RenderElements, AreNotCheckedForBlackUnlessAsked) {
+  failOnBlack(false);
+  addElement(u"A", at("a.exr")).color = [](int, int) { return hostsdk::ColorFloat{0, 0, 0, 1}; };
+  EXPECT_EQ(render(7), "");
+}
+
+}  // namespace
+}  // namespace corvantis

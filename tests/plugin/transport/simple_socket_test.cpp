@@ -1,0 +1,385 @@
+#include "plugin/transport/simple_socket.h"
+
+#include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <type_traits>
+
+#include "support/fake_clock.h"
+#include "support/scripted_peer.h"
+
+namespace corvantis::win32 {
+namespace {
+
+using namespace std::string_literals;
+using support::FakeClock;
+using support::ScriptedPeer;
+using testing::ElementsAre;
+
+static_assert(!std::is_copy_constructible_v<simple_socket> && !std::is_copy_assignable_v<simple_socket>);
+static_assert(std::is_base_of_v<std::runtime_error, simple_socket_error>);
+static_assert(std::is_base_of_v<simple_socket_error, simple_socket_timeout_error>);
+static_assert(std::is_base_of_v<simple_socket_error, simple_socket_could_not_connect_error>);
+static_assert(std::is_base_of_v<simple_socket_error, simple_socket_disconnect_error>);
+
+// With its inside open, to break it.
+class OpenedSocket : public simple_socket {
+ public:
+  OpenedSocket() = default;
+  explicit OpenedSocket(bool libraryStarted) : simple_socket(libraryStarted) {}
+
+  int descriptor() const { return static_cast<int>(connectedSocket); }
+  void pretendToListen(int descriptor) { listeningSocket = static_cast<platform::SocketHandle>(descriptor); }
+  bool isListening() const { return listeningSocket != platform::kInvalidSocket; }
+};
+
+// Runs `work`, which must throw exactly an `Error` with this text.
+template <class Error, class Work>
+void expectError(Work&& work, const std::string& text) {
+  try {
+    work();
+    ADD_FAILURE() << "nothing was thrown in place of: " << text;
+  } catch (const std::exception& error) {
+    EXPECT_EQ(typeid(error), typeid(Error)) << error.what();
+    EXPECT_EQ(error.what(), text);
+  }
+}
+
+class PacketSocket : public testing::Test {
+ protected:
+  void connect() {
+    peer.start();
+    socket.connect("127.0.0.1", peer.port(), 1);
+  }
+
+  FakeClock clock;
+  platform::ClockReplacement replacement{clock};
+  ScriptedPeer peer;
+  OpenedSocket socket;
+};
+
+TEST(PacketSocketConstruction, FailsWithoutTheSocketLibrary) {
+  expectError<simple_socket_error>([] { OpenedSocket{false}; }, "WSAStartup: failed");
+}
+
+TEST_F(PacketSocket, PutsTheLengthBeforeThePayload) {
+  peer.expectRaw("\0\0\0\0"s)
+      .expectRaw(
+          "\0\0\0\x03"s
+          "a\0\xFF"s)
+      .expectRaw("\0\0\x01\x2C"s + std::string(300, 'x'));
+  connect();
+  socket.send("");
+  socket.send("a\0\xFF"s);
+  socket.send(std::string(300, 'x'));
+  peer.finish();
+}
+
+TEST_F(PacketSocket, ReceivesPayloadsUnchanged) {
+  peer.sendRaw("\0\0\0\0"s)
+      .sendRaw(
+          "\0\0\0\x03"s
+          "a\0\xFF"s)
+      .sendRaw("\0\0\x01\x2C"s + std::string(300, 'x'));
+  connect();
+  EXPECT_EQ(socket.receive(120000), "");
+  EXPECT_EQ(socket.receive(120000), "a\0\xFF"s);
+  EXPECT_EQ(socket.receive(-1), std::string(300, 'x'));
+  peer.finish();
+}
+
+TEST_F(PacketSocket, PutsAMessageTogetherFromPieces) {
+  peer.sendRaw("\0\0"s)
+      .letTimePass(clock, 10)
+      .sendRaw(
+          "\0\x05"s
+          "ab")
+      .letTimePass(clock, 10)
+      .sendRaw("cde");
+  connect();
+  EXPECT_EQ(socket.receive(1000), "abcde");
+  peer.finish();
+}
+
+TEST_F(PacketSocket, LimitsWhatItSends) {
+  const std::string largest(99996, 'x');
+  peer.expect(largest).expectEnd();
+  connect();
+  socket.send(largest);
+  expectError<simple_socket_error>([&] { socket.send(largest + 'x'); },
+                                   "simple_socket::send: Tried to send too much data at once.");
+  EXPECT_TRUE(socket.isConnected());
+  socket.close(false);
+  peer.finish();
+}
+
+TEST_F(PacketSocket, LimitsWhatItReceivesAndStaysOpen) {
+  const std::string largest(MAX_PACKET_SIZE, 'x');
+  peer.send(largest).stallAfterHeader(100001).stallAfterHeader(0xFFFFFFFF).sendRaw("next").expect("still here");
+  connect();
+  EXPECT_EQ(socket.receive(120000), largest);
+  expectError<simple_socket_error>([&] { socket.receive(120000); },
+                                   "simple_socket::receive: Invalid packet size (given 100001)");
+  expectError<simple_socket_error>([&] { socket.receive(120000); },
+                                   "simple_socket::receive: Invalid packet size (given 4294967295)");
+  // What follows is unread: it is taken for a header.
+  expectError<simple_socket_error>([&] { socket.receive(120000); },
+                                   "simple_socket::receive: Invalid packet size (given 1852143732)");
+  EXPECT_TRUE(socket.isConnected());
+  socket.send("still here");
+  peer.finish();
+}
+
+TEST_F(PacketSocket, RefusesToWorkUnconnected) {
+  expectError<simple_socket_error>([&] { socket.send("x"); }, "simple_socket: send called while not connected.");
+  expectError<simple_socket_error>([&] { socket.receive(0); }, "simple_socket: receive while not connected.");
+  EXPECT_FALSE(socket.isConnected());
+  peer.start();
+  socket.connect("127.0.0.1", peer.port(), 1);
+  peer.finish();
+}
+
+TEST_F(PacketSocket, ConnectsOnce) {
+  peer.expect("undisturbed");
+  connect();
+  expectError<simple_socket_error>([&] { socket.connect("127.0.0.1", 1, 1); },
+                                   "simple_socket::connect: Already connected.");
+  socket.send("undisturbed");
+  peer.finish();
+}
+
+TEST_F(PacketSocket, DoesNotConnectWhileListeningAndClosesBoth) {
+  const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+  socket.pretendToListen(listener);
+  expectError<simple_socket_error>([&] { socket.connect("127.0.0.1", 1, 1); },
+                                   "simple_socket::connect: Already listening for a connection.");
+  socket.close(false);
+  EXPECT_TRUE(socket.isListening());
+  socket.close(true);
+  EXPECT_FALSE(socket.isListening());
+  EXPECT_EQ(::close(listener), -1);  // it is closed already
+}
+
+TEST_F(PacketSocket, TakesDottedAddressesOnly) {
+  for (const char* host : {"localhost", "", "127.0.0.256", "::1", "127.0.0.1 "}) {
+    expectError<simple_socket_error>([&] { socket.connect(host, 1, 1); },
+                                     "simple_socket::connect: Invalid IP address specified, "s + host);
+  }
+  // The address is judged before the protocol.
+  expectError<simple_socket_error>([&] { socket.connect("nowhere", 1, 7); },
+                                   "simple_socket::connect: Invalid IP address specified, nowhere");
+  for (const std::int32_t protocol : {0, 3, -1}) {
+    expectError<simple_socket_error>([&] { socket.connect("127.0.0.1", 1, protocol); }, "socket: Invalid protocol id");
+  }
+  EXPECT_FALSE(socket.isConnected());
+}
+
+TEST_F(PacketSocket, CarriesDatagramsToo) {
+  socket.connect("127.0.0.1", 9, 2);
+  EXPECT_TRUE(socket.isConnected());
+  int type = 0;
+  socklen_t size = sizeof type;
+  ASSERT_EQ(::getsockopt(socket.descriptor(), SOL_SOCKET, SO_TYPE, &type, &size), 0);
+  EXPECT_EQ(type, SOCK_DGRAM);
+}
+
+TEST_F(PacketSocket, ReportsARefusedConnection) {
+  std::uint16_t port = 0;
+  {
+    // A port that was free a moment ago and has nobody listening now.
+    ScriptedPeer gone;
+    port = gone.port();
+  }
+  expectError<simple_socket_could_not_connect_error>(
+      [&] { socket.connect("127.0.0.1", port, 1); },
+      "connect: Failed to connect to server at port " + std::to_string(port));
+  EXPECT_FALSE(socket.isConnected());
+}
+
+TEST_F(PacketSocket, PollsWithATimeOutOfZero) {
+  peer.expect("ask").send("now");
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(0); },
+                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  EXPECT_TRUE(socket.isConnected());
+  socket.send("ask");
+  peer.awaitSteps();
+  EXPECT_EQ(socket.receive(0), "now");
+  EXPECT_THAT(clock.waits(), testing::Each(0U));
+  peer.finish();
+}
+
+TEST_F(PacketSocket, TimesOutWaitingForAHeader) {
+  peer.letTimePass(clock, 119999).letTimePass(clock, 1).expect("go on").send("late");
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(120000); },
+                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  EXPECT_TRUE(socket.isConnected());
+  socket.send("go on");
+  EXPECT_EQ(socket.receive(120000), "late");
+  peer.finish();
+}
+
+TEST_F(PacketSocket, TimesOutWithinAMessage) {
+  const char* const text = "simple_socket: Timed out waiting for data.";
+  peer.sendRaw("\0\0"s).letTimePass(clock, 1000);
+  peer.sendRaw("\0\x02"s).then([] {});
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, text);
+  EXPECT_TRUE(socket.isConnected());
+  peer.finish();
+}
+
+TEST_F(PacketSocket, TimesOutAfterTheHeader) {
+  peer.stallAfterHeader(10).letTimePass(clock, 1000);
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  EXPECT_TRUE(socket.isConnected());
+  peer.finish();
+}
+
+TEST_F(PacketSocket, HasOneEndTimeForAWholeMessage) {
+  // 600 of 1000 ms are gone when the payload starts; another 600 are too many, though each wait alone is short.
+  peer.letTimePass(clock, 600).stallAfterHeader(4).sendRaw("ab").letTimePass(clock, 399).letTimePass(clock, 1);
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  EXPECT_EQ(clock.waits().front(), 1000U);
+  EXPECT_LE(clock.waits().back(), 400U);
+  peer.finish();
+}
+
+TEST_F(PacketSocket, PollsOnceTheEndTimeHasPassed) {
+  // The header arrives late: the rest is only taken if it is there.
+  peer.letTimePass(clock, 900).stallAfterHeader(4).then([this] {
+    clock.awaitWaiter();
+    clock.advance(5000);
+  });
+  connect();
+  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  peer.finish();
+}
+
+TEST_F(PacketSocket, WaitsAcrossTheWrapOfTheTickCounter) {
+  clock.setTickCount(0xFFFFFFFF - 400);
+  peer.letTimePass(clock, 999).send("in time").expect("again").letTimePass(clock, 1000);
+  connect();
+  EXPECT_EQ(socket.receive(1000), "in time");
+  EXPECT_EQ(clock.tickCount(), 598U);
+  clock.setTickCount(0xFFFFFFFF - 400);
+  socket.send("again");
+  EXPECT_THROW(socket.receive(1000), simple_socket_timeout_error);
+  EXPECT_THAT(clock.waits(), testing::Contains(1000U));
+  EXPECT_THAT(clock.waits(), testing::Each(testing::Le(1000U)));
+  peer.finish();
+}
+
+TEST_F(PacketSocket, NeverTimesOutWithANegativeTimeOut) {
+  peer.expect("ask").then([this] { clock.advance(0x7FFFFFFF); }).send("at last");
+  connect();
+  socket.send("ask");
+  EXPECT_EQ(socket.receive(-1), "at last");
+  EXPECT_THAT(clock.waits(), testing::IsEmpty());
+  peer.finish();
+}
+
+TEST_F(PacketSocket, NoticesAPeerThatCloses) {
+  const struct {
+    const char* sent;
+    std::size_t size;
+    const char* text;
+  } rows[] = {
+      {"", 0, "simple_socket::receive: socket was disconnected while reading header."},
+      {"\0\0\0", 3, "simple_socket::receive: socket was disconnected while reading header."},
+      {"\0\0\0\x05", 4, "simple_socket::receive: socket was disconnected while reading data."},
+      {"\0\0\0\x05"
+       "abcd",
+       8, "simple_socket::receive: socket was disconnected while reading data."},
+  };
+  for (const auto& row : rows) {
+    ScriptedPeer leaving;
+    leaving.sendRaw(std::string(row.sent, row.size)).close().expectEnd();
+    leaving.start();
+    socket.connect("127.0.0.1", leaving.port(), 1);
+    expectError<simple_socket_disconnect_error>([&] { socket.receive(120000); }, row.text);
+    EXPECT_FALSE(socket.isConnected());
+    leaving.finish();
+  }
+}
+
+TEST_F(PacketSocket, ReportsAReadErrorAndCloses) {
+  peer.reset();
+  connect();
+  peer.awaitSteps();
+  expectError<simple_socket_error>(
+      [&] { socket.receive(120000); },
+      "recv: socket error trying to receive data: WSAError code " + std::to_string(ECONNRESET));
+  EXPECT_FALSE(socket.isConnected());
+  peer.finish();
+}
+
+TEST_F(PacketSocket, ReportsASendErrorAndStaysOpen) {
+  peer.reset();
+  connect();
+  peer.awaitSteps();
+  const std::string start = "send: error trying to send data: WSAError code ";
+  expectError<simple_socket_error>([&] { socket.send("x"); }, start + std::to_string(ECONNRESET));
+  expectError<simple_socket_error>([&] { socket.send("x"); }, start + std::to_string(EPIPE));  // and no signal
+  EXPECT_TRUE(socket.isConnected());
+  peer.finish();
+}
+
+TEST_F(PacketSocket, ReportsAWaitThatFailsAndStaysOpen) {
+  connect();
+  peer.awaitSteps();  // the peer is to take no descriptor any more
+  ASSERT_EQ(::close(socket.descriptor()), 0);
+  expectError<simple_socket_error>([&] { socket.receive(120000); },
+                                   "select: Operation on socket failed: WSAError code " + std::to_string(EBADF));
+  EXPECT_TRUE(socket.isConnected());
+  peer.finish();
+}
+
+// A listener that never accepts and takes next to nothing into its buffer.
+class FullPeer {
+ public:
+  FullPeer() {
+    const int smallest = 1;
+    ::setsockopt(descriptor_, SOL_SOCKET, SO_RCVBUF, &smallest, sizeof smallest);
+    address_.sin_family = AF_INET;
+    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address_;
+    auto* const address = reinterpret_cast<sockaddr*>(&address_);
+    if (::bind(descriptor_, address, size) != 0 || ::listen(descriptor_, 1) != 0 ||
+        ::getsockname(descriptor_, address, &size) != 0) {
+      ADD_FAILURE() << "cannot listen";
+    }
+  }
+  ~FullPeer() { ::close(descriptor_); }
+  FullPeer(const FullPeer&) = delete;
+  FullPeer& operator=(const FullPeer&) = delete;
+
+  std::uint16_t port() const { return ntohs(address_.sin_port); }
+
+ private:
+  const int descriptor_ = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address_{};
+};
+
+TEST_F(PacketSocket, ReportsAMessageThatIsTakenInPartAndStaysOpen) {
+  const FullPeer full;
+  socket.connect("127.0.0.1", full.port(), 1);
+  // The kernel's buffers hold a fraction of the message, and the call is made to give up on the rest.
+  const int smallest = 1;
+  const timeval brief{0, 1000};
+  ASSERT_EQ(::setsockopt(socket.descriptor(), SOL_SOCKET, SO_SNDBUF, &smallest, sizeof smallest), 0);
+  ASSERT_EQ(::setsockopt(socket.descriptor(), SOL_SOCKET, SO_SNDTIMEO, &brief, sizeof brief), 0);
+  expectError<simple_socket_error>([&] { socket.send(std::string(99996, 'x')); },
+                                   "send: failed to send the entire message.");
+  EXPECT_TRUE(socket.isConnected());
+}
+
+}  // namespace
+}  // namespace corvantis::win32

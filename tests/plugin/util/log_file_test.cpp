@@ -1,0 +1,202 @@
+#include "plugin/util/log_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+
+#include "support/temporary_folder.h"
+
+namespace corvantis {
+namespace {
+
+using namespace std::string_literals;
+
+// Variables of the environment, put back as they were.
+class Environment {
+ public:
+  ~Environment() {
+    for (const auto& [name, value] : before_) apply(name, value);
+  }
+  void set(const std::string& name, const std::optional<std::string>& value) {
+    const char* const old = std::getenv(name.c_str());
+    before_.emplace(name, old == nullptr ? std::nullopt : std::optional<std::string>(old));
+    apply(name, value);
+  }
+
+ private:
+  static void apply(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+      ::setenv(name.c_str(), value->c_str(), 1);
+    } else {
+      ::unsetenv(name.c_str());
+    }
+  }
+  std::map<std::string, std::optional<std::string>> before_;
+};
+
+class Log : public testing::Test {
+ protected:
+  void setVariables(const std::optional<std::string>& tmp, const std::optional<std::string>& path,
+                    const std::optional<std::string>& userProfile) {
+    environment.set("TMP", tmp);
+    environment.set("PATH", path);
+    environment.set("USERPROFILE", userProfile);
+    environment.set("TEMP", folder.path("never"));
+  }
+
+  support::TemporaryFolder folder;
+  Environment environment;
+  LogFile log;
+};
+
+TEST_F(Log, LiesInTheFirstFolderThatTheEnvironmentNames) {
+  const struct {
+    std::optional<std::string> tmp, path, userProfile;
+    std::string file;
+  } rows[] = {
+      {folder.path("a"), folder.path("b"), folder.path("c"), "a/corvantis.log"},
+      {folder.path("a") + "\\", std::nullopt, std::nullopt, "a/corvantis.log"},
+      {std::nullopt, folder.path("b"), folder.path("c"), "b/corvantis.log"},
+      {std::nullopt, std::nullopt, folder.path("c"), "c/corvantis.log"},
+  };
+  for (const auto& row : rows) {
+    for (const char* name : {"a", "b", "c"}) {
+      std::filesystem::remove_all(folder.path(name));
+      std::filesystem::create_directory(folder.path(name));
+    }
+    setVariables(row.tmp, row.path, row.userProfile);
+    LogFile opened;
+    openLogFile(opened);
+    EXPECT_TRUE(opened.isOpen());
+    for (const char* name : {"a", "b", "c"}) {
+      const std::string file = name + "/corvantis.log"s;
+      EXPECT_EQ(folder.exists(file), file == row.file) << file << " for " << row.file;
+    }
+  }
+}
+
+TEST_F(Log, LiesInTheCurrentFolderWhenTheVariableIsEmpty) {
+  setVariables("", folder.path(), folder.path());
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::create_directory(folder.path("here"));
+  std::filesystem::current_path(folder.path("here"));
+  openLogFile(log);
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(folder.exists("here/corvantis.log"));
+}
+
+TEST_F(Log, IsSilentlyAbsentWithoutAFolder) {
+  setVariables(std::nullopt, std::nullopt, std::nullopt);
+  openLogFile(log);
+  EXPECT_FALSE(log.isOpen());
+  EXPECT_FALSE(log.failed());
+  log << "lost" << LogFile::endl;
+
+  setVariables(std::nullopt, folder.path() + ";C:\\Windows", folder.path());  // PATH is no folder
+  openLogFile(log);
+  EXPECT_FALSE(log.isOpen());
+  EXPECT_TRUE(log.failed());
+  log << "lost" << LogFile::endl;
+}
+
+TEST_F(Log, WritesPiecesAsTheyAre) {
+  log.open(folder.wide("log"));
+  const std::u16string wide = u"Gr\u00FC\u00DFe \u65E5";
+  const char* const nothing = nullptr;
+  log << "\nGot command: " << wide << LogFile::endl << LogFile::endl;
+  log << "text"s << nothing << ' ' << u"wide" << ' ' << -5 << ' ' << std::uint64_t{18446744073709551615U}
+      << LogFile::endl;
+  log << 0.1F << ' ' << 1234567.0 << ' ' << 1e-7F << ' ' << 50.0 << ' ' << true << false << LogFile::endl;
+  EXPECT_EQ(folder.read("log"),
+            "\nGot command: Gr\xFC\xDF"
+            "e ?\n\ntext wide -5 18446744073709551615\n0.1 1.23457e+06 1e-07 50 10\n");
+}
+
+TEST_F(Log, HasEveryCompleteLineOnDisk) {
+  log.open(folder.wide("log"));
+  log << "first" << LogFile::endl << "sec";
+  EXPECT_EQ(folder.read("log"), "first\n");
+  log << "ond" << LogFile::endl;
+  EXPECT_EQ(folder.read("log"), "first\nsecond\n");
+}
+
+TEST_F(Log, KeepsAnUnfinishedLastLine) {
+  {
+    LogFile brief;
+    brief.open(folder.wide("log"));
+    brief << "cut";
+  }
+  EXPECT_EQ(folder.read("log"), "cut");
+}
+
+TEST_F(Log, StartsEmptyInEveryRun) {
+  for (const char* run : {"first run", "second"}) {
+    LogFile oneRun;
+    oneRun.open(folder.wide("log"));
+    oneRun << run << LogFile::endl;
+  }
+  EXPECT_EQ(folder.read("log"), "second\n");
+}
+
+TEST_F(Log, FailsWhenOpenedTwice) {
+  log.open(folder.wide("log"));
+  log << "kept" << LogFile::endl;
+  log.open(folder.wide("other"));
+  EXPECT_TRUE(log.isOpen() && log.failed());
+  log << "lost" << LogFile::endl;
+  EXPECT_EQ(folder.read("log"), "kept\n");
+  EXPECT_FALSE(folder.exists("other"));
+}
+
+TEST_F(Log, RecoversFromAFailedOpen) {
+  log.open(folder.wide("missing/log"));
+  EXPECT_TRUE(!log.isOpen() && log.failed());
+  log << "lost" << LogFile::endl;
+  log.open(folder.wide("log"));
+  log << "kept" << LogFile::endl;
+  EXPECT_FALSE(log.failed());
+  EXPECT_EQ(folder.read("log"), "kept\n");
+}
+
+TEST_F(Log, StaysFailedAfterAFailedWrite) {
+  if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  log.open(u"\\dev\\full");
+  ASSERT_TRUE(log.isOpen());
+  log << "lost" << LogFile::endl;
+  EXPECT_TRUE(log.failed());
+  log << "lost too" << LogFile::endl;
+  EXPECT_TRUE(log.failed());
+}
+
+// Written to before main and before anything has opened it.
+const bool wroteEarly = [] {
+  log_file << "before main" << LogFile::endl;
+  return !log_file.isOpen();
+}();
+
+// Made before the library's own static objects, hence destroyed after them.
+bool writesAtExit = false;
+struct LastWriter {
+  ~LastWriter() {
+    if (writesAtExit) log_file << "after main" << LogFile::endl;
+  }
+};
+const LastWriter lastWriter;
+
+TEST_F(Log, OfTheProcessMayBeWrittenToAtAnyTime) {
+  EXPECT_TRUE(wroteEarly);
+  const auto writeAtExit = [this] {
+    log_file.open(folder.wide("log"));
+    writesAtExit = true;
+    std::exit(0);
+  };
+  EXPECT_EXIT(writeAtExit(), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(folder.read("log"), "after main\n");
+}
+
+}  // namespace
+}  // namespace corvantis

@@ -1,0 +1,46 @@
+// The real file layer, written down and made to fail on demand.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+#include "support/call_log.h"
+
+namespace support {
+
+// Put in force with platform::FilesReplacement. The operations are "attributes", "createDirectory", "copyFile" and
+// "deleteFile"; a line of the log is the operation, a blank and the path (copyFile: "source -> destination"), UTF-8.
+// A hook's value is the Windows error number to answer with the files left alone, 0 included. For one thread.
+class FakeFiles final : public platform::Files {
+ public:
+  FakeFiles();
+
+  CallLog log;
+
+  // From now on `operation` answers `errorNumber` for every path that ends in `ending` (copyFile: the destination),
+  // `times` times at the most. Hooks of the log come first.
+  void fail(const std::string& operation, const std::string& ending, std::uint32_t errorNumber, int times = 1 << 30);
+
+  platform::FileAttributes attributes(const std::u16string& path) override;
+  std::uint32_t createDirectory(const std::u16string& path) override;
+  std::uint32_t copyFile(const std::u16string& source, const std::u16string& destination) override;
+  std::uint32_t deleteFile(const std::u16string& path) override;
+
+ private:
+  struct Failure {
+    std::string operation;
+    std::string ending;
+    std::uint32_t errorNumber;
+    int times;
+  };
+  // What stands in for the real answer to the call, if anything does.
+  std::optional<std::uint32_t> replacement(const char* operation, const std::string& arguments);
+
+  platform::Files& system_;
+  std::vector<Failure> failures_;
+};
+
+}  // namespace support

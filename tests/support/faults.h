@@ -1,0 +1,23 @@
+// Real machine faults, on demand.
+#pragma once
+
+#include <cstdint>
+
+namespace support {
+
+void writeToNull();
+int readFromNull();
+// Jumps to an address where nothing is.
+inline constexpr std::uintptr_t kUnmappedAddress = 0x10;
+void callUnmapped();
+// Reads at an address outside the form that the processor allows.
+void readImpossibleAddress();
+int divideIntegerByZero();
+void executeIllegalInstruction();
+// Recurses until the stack ends.
+int overflowStack(int depth = 0);
+// With float traps on, which stay on.
+double divideFloatByZero();
+double underflowFloat();
+
+}  // namespace support
