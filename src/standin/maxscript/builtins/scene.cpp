@@ -1,0 +1,76 @@
+// Scene nodes by name, and what can be done to any node through its properties.
+#include "standin/maxscript/builtins/builtins.h"
+#include "standin/maxscript/evaluator/access.h"
+#include "standin/maxscript/evaluator/conversion.h"
+#include "standin/maxscript/port/port.h"
+#include "standin/maxscript/values/classes.h"
+#include "standin/maxscript/values/host_values.h"
+#include "standin/maxscript/values/printing.h"
+
+namespace standin::maxscript {
+namespace {
+
+HostObject& node(const Call& call) {
+  const auto* found = as<HostValueObject>(call[0]);
+  if (!found) throwUnableToConvert(printed(call.runtime, call[0]), u"node");
+  return *found->host;
+}
+
+Value getNodeByName(const Call& call) {
+  return nodeByName(call.runtime, std::u16string(toString(call.runtime, call[0])));
+}
+
+// Still part of the scene.
+Value isValidNode(const Call& call) {
+  const auto* given = as<HostValueObject>(call[0]);
+  if (!given) return Value::ofBoolean(false);
+  for (const auto& each : call.runtime.host().nodes())
+    if (each->identity() == given->host->identity()) return Value::ofBoolean(true);
+  return Value::ofBoolean(false);
+}
+
+template <bool Hidden>
+Value setHidden(const Call& call) {
+  if (!node(call).set(u"ishidden", Hidden)) throwRuntimeError(u"Cannot be hidden: " + printed(call.runtime, call[0]));
+  return Value::ok();
+}
+
+// undefined when the node has no such user property.
+Value getUserProp(const Call& call) {
+  const AllocationFrame frame(call.runtime.port());
+  const auto found = node(call).call(u"getuserprop", {HostValue(asText(call.runtime, call[1]))}, {});
+  return found ? fromHost(call.runtime, *found) : Value();
+}
+Value setUserProp(const Call& call) {
+  const AllocationFrame frame(call.runtime.port());
+  if (!node(call).call(u"setuserprop", {HostValue(asText(call.runtime, call[1])), toHost(call.runtime, call[2])}, {}))
+    throwRuntimeError(u"User properties are not supported for: " + printed(call.runtime, call[0]));
+  return Value::ok();
+}
+
+Value move(const Call& call) {
+  NameObject* name = call.runtime.name(u"position");
+  const Root before(call.runtime.heap(), getProperty(call.runtime, call[0], name, nullptr));
+  const TupleObject* by = toPoint3(call.runtime, call[1]);
+  const TupleObject* from = toPoint3(call.runtime, before.value);
+  std::array<float, 12> moved{};
+  for (std::size_t i = 0; i < 3; ++i) moved[i] = from->v[i] + by->v[i];
+  setProperty(call.runtime, call[0], name, call.runtime.heap().make<TupleObject>(TupleKind::point3, moved), nullptr);
+  return Value::ok();
+}
+
+constexpr BuiltinEntry kEntries[] = {
+    {u"getNodeByName", 1, 1, getNodeByName},
+    {u"isValidNode", 1, 1, isValidNode},
+    {u"hide", 1, 1, setHidden<true>, true},
+    {u"unhide", 1, 1, setHidden<false>, true},
+    {u"getUserProp", 2, 2, getUserProp},
+    {u"setUserProp", 3, 3, setUserProp, true},
+    {u"move", 2, 2, move, true},
+};
+
+}  // namespace
+
+std::span<const BuiltinEntry> sceneBuiltins() { return kEntries; }
+
+}  // namespace standin::maxscript
