@@ -1,0 +1,188 @@
+#include "standin/raytracer/renderer.h"
+
+#include <tbb/info.h>
+
+#include <mutex>
+#include <stdexcept>
+
+#include "standin/raytracer/buckets.h"
+#include "standin/raytracer/film.h"
+#include "standin/raytracer/float_mode.h"
+#include "standin/raytracer/shared_work.h"
+#include "standin/scene/animation.h"
+
+namespace standin::raytracer {
+
+namespace {
+
+// A scene with lights of its own is only filled in by the sky.
+constexpr float kSkyAlone = 1.0F, kSkyBesideLights = 0.35F;
+constexpr float kSkyReach = 0.25F;  // of the scene's radius
+
+int threadsFor(const RendererOptions& options) {
+  const int available = tbb::info::default_concurrency();
+  return options.threads > 0 ? std::min(options.threads, available) : available;
+}
+
+Region regionOf(const FrameRequest& request) {
+  const Region region = request.region.value_or(Region{0, 0, request.width, request.height});
+  return {std::max(region.left, 0), std::max(region.top, 0), std::min(region.right, request.width),
+          std::min(region.bottom, request.height)};
+}
+
+void checkRequest(const FrameRequest& request, const Region& region) {
+  if (request.width < 1 || request.height < 1) throw std::invalid_argument("Ray tracer: image without pixels");
+  if (request.samples < 1) throw std::invalid_argument("Ray tracer: less than one sample a pixel");
+  if (!(request.pixelAspect > 0)) throw std::invalid_argument("Ray tracer: pixel aspect not above 0");
+  if (region.left >= region.right || region.top >= region.bottom) return;
+  for (const Output& output : request.outputs) {
+    if (!output.pixels || output.left > region.left || output.top > region.top ||
+        output.left + output.width < region.right || output.top + output.height < region.bottom) {
+      throw std::invalid_argument("Ray tracer: an output does not hold the pixels to render");
+    }
+  }
+}
+
+// All that the threads of one frame share.
+struct FrameJob {
+  FrameRequest request;
+  float exposure;
+  MaterialTable materials;
+  FrameWorld world;
+  std::vector<Region> buckets;
+  std::mutex countGuard;
+  RayCounts rays;
+
+  FrameJob(const scene::Scene& scene, const EmbreeScene& geometry, const ImageStore& images, const FrameRequest& asked,
+           const std::vector<Transform>& worldTransforms, const RendererOptions& options, float skyReach)
+      : request(asked),
+        exposure(options.exposure),
+        materials(scene.materials, images),
+        world{geometry,
+              SurfaceReader(scene, geometry, materials),
+              placeLights(scene, worldTransforms),
+              Sky(scene.lights.empty() ? kSkyAlone : kSkyBesideLights),
+              Camera(asked.view, asked.width, asked.height, asked.pixelAspect),
+              asked.samples,
+              skyReach} {
+    const double raysPerSample = 4 + 1.5 * static_cast<double>(world.lights.size());
+    buckets = makeBuckets(regionOf(asked), bucketSize(raysPerSample * asked.samples), options.bucketOrder);
+  }
+
+  void renderBucket(const Region& bucket) {
+    const FlushToZero floatMode;
+    Integrator integrator(world);
+    for (int y = bucket.top; y < bucket.bottom; ++y) {
+      for (int x = bucket.left; x < bucket.right; ++x) renderPixel(integrator, x, y);
+    }
+    const std::lock_guard lock(countGuard);
+    rays.camera += integrator.rays().camera;
+    rays.shadow += integrator.rays().shadow;
+    rays.sky += integrator.rays().sky;
+    rays.reflection += integrator.rays().reflection;
+  }
+
+  void renderPixel(Integrator& integrator, int x, int y) const {
+    const PixelSampler sampler(x, y, request.frame, request.pass, request.samples);
+    const bool centred = request.samples == 1 && request.pass == 0;
+    PixelSum sum;
+    for (int i = 0; i < request.samples; ++i) {
+      const Vec2 offset = centred ? Vec2{0.5F, 0.5F} : sampler.point(SampleUse::pixel, i);
+      sum.add(integrator.trace(sampler, i, static_cast<float>(x) + offset.x, static_cast<float>(y) + offset.y));
+    }
+    for (const Output& output : request.outputs) {
+      store(output, x, y, sum.element(output.element, request.samples, exposure));
+    }
+  }
+};
+
+}  // namespace
+
+class Renderer::Implementation {
+ public:
+  Implementation(const scene::Scene& scene, const RendererOptions& options)
+      : scene_(scene),
+        options_(options),
+        threads_(threadsFor(options)),
+        arena_(threads_, 1),
+        images_(scene.images),
+        geometry_(scene) {
+    // Measured once, at the scene's first frame, so that every frame of the animation has the same shades.
+    geometry_.place(scene, scene::worldTransforms(scene, scene.firstFrame * static_cast<double>(ticksPerFrame(scene))));
+    skyReach_ = kSkyReach * geometry_.radius();
+  }
+
+  bool render(const FrameRequest& request, const FrameCallbacks& callbacks) {
+    work_.reset();  // of a render whose callback never returned
+    checkRequest(request, regionOf(request));
+    enter(Phase::preparing, callbacks);
+    const std::vector<Transform> transforms = scene::worldTransforms(scene_, request.ticks);
+    enter(Phase::building, callbacks);
+    geometry_.place(scene_, transforms);
+    job_ = std::make_unique<FrameJob>(scene_, geometry_, images_, request, transforms, options_, skyReach_);
+    enter(Phase::rendering, callbacks);
+    const bool complete = work(callbacks);
+    count(*job_);
+    return complete;
+  }
+
+  const FrameStatistics& statistics() const { return statistics_; }
+
+ private:
+  static void enter(Phase phase, const FrameCallbacks& callbacks) {
+    if (callbacks.onPhase) callbacks.onPhase(phase);
+  }
+
+  bool work(const FrameCallbacks& callbacks) {
+    const int total = static_cast<int>(job_->buckets.size());
+    const auto report = [&](int done) { return !callbacks.onProgress || callbacks.onProgress(done, total); };
+    if (!report(0)) return false;
+    work_ = std::make_unique<SharedWork>(arena_, total, [job = job_.get()](int piece) {
+      job->renderBucket(job->buckets[static_cast<std::size_t>(piece)]);
+    });
+    // The last report, that all is done, is left to the end, when it is certain to come and to come once.
+    const auto goOn = [&](int finished) { return finished == total || report(finished); };
+    const bool complete = work_->run(std::min(threads_ - 1, total - 1), goOn);
+    if (complete && total > 0) report(total);
+    return complete;
+  }
+
+  void count(const FrameJob& job) {
+    statistics_ = {};
+    statistics_.lights = static_cast<int>(job.world.lights.size());
+    statistics_.objects = static_cast<int>(geometry_.instances().size());
+    for (const Instance& instance : geometry_.instances()) {
+      for (const scene::Primitive& primitive : scene_.meshes[static_cast<std::size_t>(instance.mesh)].primitives) {
+        statistics_.faces += static_cast<int>(primitive.indices.size() / 3);
+      }
+    }
+    statistics_.cameraRays = job.rays.camera;
+    statistics_.shadowRays = job.rays.shadow;
+    statistics_.skyRays = job.rays.sky;
+    statistics_.reflectionRays = job.rays.reflection;
+  }
+
+  const scene::Scene& scene_;
+  const RendererOptions options_;
+  const int threads_;
+  tbb::task_arena arena_;
+  ImageStore images_;
+  EmbreeScene geometry_;
+  float skyReach_ = 0;
+  std::unique_ptr<FrameJob> job_;     // the last frame's
+  std::unique_ptr<SharedWork> work_;  // on that job
+  FrameStatistics statistics_;
+};
+
+Renderer::Renderer(const scene::Scene& scene, const RendererOptions& options)
+    : implementation_(std::make_unique<Implementation>(scene, options)) {}
+
+Renderer::~Renderer() = default;
+
+bool Renderer::render(const FrameRequest& request, const FrameCallbacks& callbacks) {
+  return implementation_->render(request, callbacks);
+}
+
+const FrameStatistics& Renderer::statistics() const { return implementation_->statistics(); }
+
+}  // namespace standin::raytracer
