@@ -1,0 +1,16 @@
+// Answers to the questions that a plug-in asks while it works.
+#pragma once
+
+#include <string>
+
+#include "worker/job.h"
+
+namespace worker {
+
+// The reply to question `word` with `argument`: "SUCCESS: " and the value, or "ERROR: " and why there is none.
+std::string answerQuestion(const Job& job, const std::string& word, const std::string& argument);
+
+// The first mapping whose beginning fits `path` is applied; no mapping leaves it unchanged.
+std::string mapPath(const Job& job, const std::string& path);
+
+}  // namespace worker

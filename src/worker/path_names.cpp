@@ -1,0 +1,18 @@
+#include "worker/path_names.h"
+
+#include "platform/code_page.h"
+#include "platform/files.h"
+
+namespace worker {
+
+std::string windowsName(const std::string& nativePath) {
+  const auto text = platform::wideToMultibyte(platform::windowsPath(nativePath), platform::CodePage::utf8);
+  return text ? *text : nativePath;
+}
+
+std::string nativeName(const std::string& windowsPath) {
+  const auto text = platform::multibyteToWide(windowsPath, platform::CodePage::utf8);
+  return text ? platform::nativePath(*text) : windowsPath;
+}
+
+}  // namespace worker

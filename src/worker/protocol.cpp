@@ -1,0 +1,79 @@
+#include "worker/protocol.h"
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
+namespace worker {
+namespace {
+
+// What follows `prefix` in `text`, if it begins so.
+std::optional<std::string> after(const std::string& text, std::string_view prefix) {
+  if (!std::string_view(text).starts_with(prefix)) return std::nullopt;
+  return text.substr(prefix.size());
+}
+
+constexpr std::array<std::string_view, 6> kQuestions{
+    "GETJOBINFOENTRY",           "GETSUBMITINFOENTRY", "GETSUBMITINFOENTRYELEMENTCOUNT",
+    "GETSUBMITINFOENTRYELEMENT", "GETAUXFILE",         "GETPATHMAPPEDFILENAME"};
+
+Message readRequest(const std::string& payload, const std::string& request) {
+  if (auto line = after(request, "STDOUT: ")) return {MessageKind::log, "", *line};
+  if (auto line = after(request, "WARN: ")) return {MessageKind::warning, "", *line};
+  if (auto title = after(request, "SETTITLE ")) return {MessageKind::title, "", *title};
+  if (auto percent = after(request, "PROGRESS ")) {
+    Message message{MessageKind::progress, "", *percent};
+    message.value = std::strtof(percent->c_str(), nullptr);
+    return message;
+  }
+  const std::size_t blank = request.find(' ');
+  const std::string word = request.substr(0, blank);
+  for (const std::string_view known : kQuestions)
+    if (word == known)
+      return {MessageKind::question, word, blank == std::string::npos ? "" : request.substr(blank + 1)};
+  return {MessageKind::unknown, "", payload};
+}
+
+}  // namespace
+
+std::string commandLine(const std::vector<std::string>& fields) {
+  std::string line;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0) line += ',';
+    for (const char c : fields[i]) {
+      if (c == '\n') {
+        line += "\\n";
+        continue;
+      }
+      if (c == '\\' || c == '"' || c == ',') line += '\\';
+      line += c;
+    }
+  }
+  return line;
+}
+
+std::vector<std::string> splitFields(const std::string& text) {
+  std::vector<std::string> fields(1);
+  bool quoted = false;
+  for (const char c : text) {
+    if (c == '"')
+      quoted = !quoted;
+    else if (c == ',' && !quoted)
+      fields.emplace_back();
+    else
+      fields.back() += c;
+  }
+  return fields;
+}
+
+Message readMessage(const std::string& payload) {
+  if (auto request = after(payload, "FUNCTION: ")) return readRequest(payload, *request);
+  if (auto text = after(payload, "ERROR: ")) return {MessageKind::error, "", *text};
+  if (auto text = after(payload, "SUCCESS: ")) return {MessageKind::success, "", *text};
+  if (auto text = after(payload, "SUCCESS")) return {MessageKind::success, "", *text};
+  if (payload == "STARTED") return {MessageKind::started, "", ""};
+  return {MessageKind::unknown, "", payload};
+}
+
+}  // namespace worker

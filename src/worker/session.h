@@ -1,0 +1,75 @@
+// The conversation of one job, apart from sockets and processes.
+#pragma once
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+#include "worker/job.h"
+#include "worker/protocol.h"
+
+namespace worker {
+
+// The host cannot be talked to any more: it died, hung, closed the connection or broke the protocol.
+class HostFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The two ends of a connection to a plug-in. Both throw HostFailure with the reason in words.
+class Channel {
+ public:
+  virtual ~Channel() = default;
+  virtual void send(const std::string& payload) = 0;
+  // The next message, waited for as long as the host may stay silent.
+  virtual std::string receive() = 0;
+};
+
+// Told what happens, as it happens.
+class JobObserver {
+ public:
+  virtual ~JobObserver() = default;
+  virtual void jobStarted(const Job&, const std::string& pluginVersion) = 0;
+  virtual void frameStarted(std::size_t index) = 0;  // position in Job::frames
+  virtual void frameFinished(std::size_t index, const FrameResult&) = 0;
+  virtual void progress(float percent) = 0;  // of the frame; -1 when it cannot be measured
+  virtual void title(const std::string&) = 0;
+  virtual void log(const std::string&) = 0;  // a line from the plug-in or a script
+  virtual void warning(const std::string&) = 0;
+};
+
+class Session {
+ public:
+  // All are borrowed. `now` gives seconds from any fixed moment.
+  Session(const Job& job, const std::string& token, Channel& channel, JobObserver& observer,
+          std::function<double()> now);
+
+  // Runs the job from the token to the end of the job. Never throws for what the host does: a lost host is a result.
+  JobResult run();
+
+ private:
+  class Refused;
+
+  void handshake();
+  void sendSettings(bool beforeStart);
+  void startJob();
+  void renderFrame(std::size_t index);
+  void endJob();
+  void runScripts(const std::vector<std::string>& scripts, bool setFrame, std::int32_t frame);
+
+  // The next reply; whatever comes before it (log lines, progress, questions) is dealt with.
+  Message nextReply();
+  void handle(const Message& message);
+  void noteOutputLine(const std::string& line);
+  void command(const std::vector<std::string>& fields);
+
+  const Job& job_;
+  const std::string& token_;
+  Channel& channel_;
+  JobObserver& observer_;
+  std::function<double()> now_;
+  JobResult result_;
+  FrameResult* current_ = nullptr;
+};
+
+}  // namespace worker
