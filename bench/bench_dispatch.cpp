@@ -1,0 +1,87 @@
+// What the daemon adds to a bare TCP round trip: a settings command, which has no reply, then a command that has one,
+// with the log on as it always is.
+#include <unistd.h>
+
+#include <string>
+#include <thread>
+
+#include "bench/ping_pong.h"
+#include "platform/files.h"
+#include "plugin/daemon/build_version.h"
+#include "plugin/daemon/run_daemon.h"
+#include "plugin/util/log_file.h"
+
+namespace {
+
+constexpr std::size_t kHeaderSize = 4;
+// Of one length, as the rounds of the bare peer have it.
+const std::string kSettings = "LocalRendering";
+const std::string kUnknown = "WhatIsThisWord";
+const std::string kReply = "ERROR: Unexpected command \"" + kUnknown + "\" received.";
+
+std::string message(const std::string& payload) {
+  const std::size_t size = payload.size();
+  return std::string{static_cast<char>(size >> 24), static_cast<char>(size >> 16), static_cast<char>(size >> 8),
+                     static_cast<char>(size)} +
+         payload;
+}
+
+// A log file of its own, gone with the object.
+class BenchLog {
+ public:
+  BenchLog() {
+    corvantis::log_file.close();
+    corvantis::log_file.open(platform::windowsPath(path_));
+  }
+  ~BenchLog() {
+    corvantis::log_file.close();
+    ::unlink(path_.c_str());
+  }
+  BenchLog(const BenchLog&) = delete;
+  BenchLog& operator=(const BenchLog&) = delete;
+
+ private:
+  std::string path_ = "/tmp/corvantis-bench-" + std::to_string(::getpid()) + ".log";
+};
+
+// A daemon run on a thread of its own, and the worker that drives it with bare socket calls.
+class DaemonRounds {
+ public:
+  DaemonRounds()
+      : daemon_([this] { corvantis::RunCorvantisDaemon(jobState_, socket_, running_, worker_.port(), u"token"); }) {
+    worker_.accept();
+    worker_.receive(kHeaderSize + std::string("token").size());
+    worker_.send(message("TessarynStartup"));
+    worker_.receive(kHeaderSize + ("Corvantis " + corvantis::buildVersionString()).size());
+  }
+  ~DaemonRounds() {
+    worker_.close();
+    daemon_.join();
+  }
+  DaemonRounds(const DaemonRounds&) = delete;
+  DaemonRounds& operator=(const DaemonRounds&) = delete;
+
+  void round() {
+    worker_.send(settings_);
+    worker_.send(unknown_);
+    worker_.receive(kHeaderSize + kReply.size());
+  }
+
+ private:
+  const std::string settings_ = message(kSettings), unknown_ = message(kUnknown);
+  corvantis::JobState jobState_;
+  BenchLog log_;
+  corvantis::win32::simple_socket socket_;
+  bool running_ = false;
+  bench::CallingEnd worker_;
+  std::thread daemon_;
+};
+
+}  // namespace
+
+int main() {
+  DaemonRounds ours;
+  bench::PingPong bare({kHeaderSize + kSettings.size(), kHeaderSize + kReply.size(), 2});
+  bench::reportRounds("settings command and reply through the daemon",
+                      bench::compareRounds([&] { ours.round(); }, [&] { bare.round(); }, 40000), 1.3);
+}
