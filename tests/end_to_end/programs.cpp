@@ -1,0 +1,54 @@
+#include "programs.h"
+
+#include <algorithm>
+#include <boost/process.hpp>
+#include <cmath>
+#include <future>
+#include <iterator>
+#include <stdexcept>
+
+#include "standin/image/image_io.h"
+
+namespace end_to_end {
+namespace process = boost::process;
+
+namespace {
+
+std::string readAll(process::ipstream& stream) { return {std::istreambuf_iterator<char>(stream), {}}; }
+
+}  // namespace
+
+Finished run(const std::string& program, const std::vector<std::string>& arguments, const std::string& logFolder) {
+  process::environment environment = boost::this_process::environment();
+  if (!logFolder.empty()) environment["TMP"] = logFolder;
+  process::ipstream output, errors;
+  process::child child(process::exe = std::string(CORVANTIS_BIN_DIR) + "/" + program, process::args = arguments,
+                       process::std_in<process::null, process::std_out> output, process::std_err > errors, environment);
+  auto errorText = std::async(std::launch::async, [&] { return readAll(errors); });
+  Finished finished;
+  finished.output = readAll(output);
+  finished.errors = errorText.get();
+  child.wait();
+  finished.exitCode = child.exit_code();
+  return finished;
+}
+
+standin::image::DecodedImage readImage(const std::string& path) {
+  static standin::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libstandin_imageio.so");
+  return io.decode(path);
+}
+
+Difference compare(const standin::image::DecodedImage& a, const standin::image::DecodedImage& b) {
+  if (a.width != b.width || a.height != b.height) throw std::runtime_error("images of different sizes");
+  Difference difference;
+  double sum = 0;
+  for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+    const double d = std::abs(static_cast<double>(a.pixels[i]) - b.pixels[i]);
+    difference.largest = std::max(difference.largest, d);
+    sum += d * d;
+  }
+  difference.rms = std::sqrt(sum / static_cast<double>(std::max<std::size_t>(a.pixels.size(), 1)));
+  return difference;
+}
+
+}  // namespace end_to_end
