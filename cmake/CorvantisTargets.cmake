@@ -1,0 +1,88 @@
+# The rules of the house as functions.
+#
+# One folder below src/ is one target. A target sees its own headers and those of the targets it links, and no
+# others: each target's include folder holds nothing but a link to its source folder, so an include that the link
+# line does not allow does not compile. Headers are always included by their path below src/ ("plugin/util/text.h").
+
+add_library(corvantis_options INTERFACE)
+target_compile_options(corvantis_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                       -Woverloaded-virtual -Wno-unused-command-line-argument)
+# Crash descriptions walk the chain of frame pointers.
+target_compile_options(corvantis_options INTERFACE -fno-omit-frame-pointer)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns of overlaps that are not there wherever a literal is joined with a string; clang-tidy, which
+  # reads these options too, does not know the warning.
+  target_compile_options(corvantis_options INTERFACE -Wno-unknown-warning-option -Wno-restrict)
+endif()
+if(CORVANTIS_WERROR)
+  target_compile_options(corvantis_options INTERFACE -Werror)
+endif()
+if(CORVANTIS_SANITIZE)
+  target_compile_definitions(corvantis_options INTERFACE CORVANTIS_SANITIZED)
+  target_compile_options(corvantis_options INTERFACE -fsanitize=${CORVANTIS_SANITIZE} -fno-sanitize-recover=all)
+  target_link_options(corvantis_options INTERFACE -fsanitize=${CORVANTIS_SANITIZE})
+  if(CORVANTIS_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(corvantis_options INTERFACE -Wno-tsan)  # Boost.Asio fences, which the thread sanitizer does not follow
+  endif()
+endif()
+
+# Makes the include folder of a target: <build>/include/<target>/<folder> links to src/<folder>.
+function(corvantis_expose target folder scope)
+  set(root ${CMAKE_BINARY_DIR}/include/${target})
+  get_filename_component(parent ${root}/${folder} DIRECTORY)
+  file(MAKE_DIRECTORY ${parent})
+  if(NOT EXISTS ${root}/${folder})
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
+  endif()
+  target_include_directories(${target} ${scope} ${root})
+endfunction()
+
+# The same for a folder below tests/: headers are included as "support/fake_host.h".
+function(corvantis_expose_tests target folder)
+  set(root ${CMAKE_BINARY_DIR}/include/${target})
+  file(MAKE_DIRECTORY ${root})
+  if(NOT EXISTS ${root}/${folder})
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/tests/${folder} ${root}/${folder} SYMBOLIC)
+  endif()
+  target_include_directories(${target} PUBLIC ${root})
+endfunction()
+
+# corvantis_library(NAME FOLDER path-below-src SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# DEPENDS are passed on to whoever links the target (their headers appear in ours), PRIVATE_DEPENDS are not.
+function(corvantis_library name)
+  cmake_parse_arguments(ARG "SHARED;MODULE;OBJECT" "FOLDER" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  set(kind STATIC)
+  foreach(k SHARED MODULE OBJECT)
+    if(ARG_${k})
+      set(kind ${k})
+    endif()
+  endforeach()
+  add_library(${name} ${kind} ${ARG_SOURCES})
+  corvantis_expose(${name} ${ARG_FOLDER} PUBLIC)
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE corvantis_options ${ARG_PRIVATE_DEPENDS})
+endfunction()
+
+# corvantis_program(NAME FOLDER path-below-src SOURCES ... DEPENDS ...)
+function(corvantis_program name)
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  corvantis_expose(${name} ${ARG_FOLDER} PRIVATE)
+  target_link_libraries(${name} PRIVATE corvantis_options ${ARG_DEPENDS})
+endfunction()
+
+# corvantis_test(NAME SOURCES ... DEPENDS ... [DATA_DIR dir]): one test program a folder, every case a CTest test.
+# Every *_test.cpp of the folder must be listed: a test that is not wired in is an error.
+function(corvantis_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;ENVIRONMENT" ${ARGN})
+  file(GLOB present RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
+  foreach(file ${present})
+    if(NOT file IN_LIST ARG_SOURCES)
+      message(FATAL_ERROR "${CMAKE_CURRENT_SOURCE_DIR}/${file} is not part of any test program: list it in ${name}")
+    endif()
+  endforeach()
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_compile_definitions(${name} PRIVATE CORVANTIS_SOURCE_DIR="${CMAKE_SOURCE_DIR}" CORVANTIS_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+  target_link_libraries(${name} PRIVATE corvantis_options test_support GTest::gmock GTest::gtest_main ${ARG_DEPENDS})
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
+endfunction()
