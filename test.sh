@@ -1,13 +1,33 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs all tests.
-# Usage: ./test.sh [PRESET] [CTEST OPTION...]   (presets: release, debug, asan, tsan; default release)
+# Usage: ./test.sh [PRESET] [CTEST OPTION...]     presets: release, debug, asan, tsan; default release
+#        ./test.sh --windows [CTEST OPTION...]    the plug-in as a Windows DLL, its tests under Wine, then a worker of this
+#                                                 system against the DLL in a console host
 set -euo pipefail
 cd "$(dirname "$0")"
+
+build() {
+  [ -f "build/$1/build.ninja" ] || cmake --preset "$1"
+  cmake --build --preset "$1" "${@:2}"
+}
+
+if [ "${1:-}" = --windows ]; then
+  shift
+  ./setup.sh packages.txt packages-windows.txt
+  build windows
+  cmake/check-windows-dlls build/windows/bin
+  trap 'cmake/run-under-wine --stop' EXIT
+  ctest --preset windows "$@"
+  build release --target test_console_host
+  echo "A worker of this system against the DLL"
+  CORVANTIS_CONSOLE_HOST="$PWD/cmake/run-under-wine $PWD/build/windows/bin/console-host.exe" \
+    CORVANTIS_CONSOLE_PLUGIN="$PWD/build/windows/bin/corvantis.dll" build/release/tests/test_console_host --gtest_brief=1
+  exit
+fi
 
 preset=release
 if [ $# -gt 0 ] && [[ "$1" != -* ]]; then preset=$1; shift; fi
 
 ./setup.sh
-[ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
-cmake --build --preset "$preset"
+build "$preset"
 ctest --preset "$preset" "$@"

@@ -119,6 +119,11 @@ void CallingEnd::receive(std::size_t count) {
   if (!receiveAll(connection_, received_)) throw std::system_error(errno, std::generic_category(), "recv");
 }
 
+std::string CallingEnd::take(std::size_t count) {
+  receive(count);
+  return received_;
+}
+
 void CallingEnd::close() {
   if (connection_ >= 0) ::close(connection_);
   connection_ = -1;

@@ -53,6 +53,8 @@ class CallingEnd {
   void send(const std::string& bytes);
   // Blocks until that many bytes have come, and drops them.
   void receive(std::size_t count);
+  // The same, and returns them.
+  std::string take(std::size_t count);
   void close();
 
  private:

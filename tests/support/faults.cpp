@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "support/platform_kind.h"
+
 // Kept out of the optimiser's and the sanitizers' sight: the faults are meant.
 #define CORVANTIS_FAULTS __attribute__((noinline, no_sanitize("undefined", "address")))
 
@@ -48,6 +50,8 @@ CORVANTIS_FAULTS int overflowStack(int depth) {
   if (depth < 0) return 0;  // never, but the compiler is not to know
   return overflowStack(depth + 1) + frame[depth % 64];
 }
+
+bool stackOverflowCanBeTold() { return !runsUnderWine() || __builtin_cpu_supports("avx512f") == 0; }
 
 CORVANTIS_FAULTS double divideFloatByZero() {
   enableFloatTraps();

@@ -16,6 +16,9 @@ int divideIntegerByZero();
 void executeIllegalInstruction();
 // Recurses until the stack ends.
 int overflowStack(int depth = 0);
+// False where the system itself ends a process whose stack has run out: Wine, when the processor's state (AVX-512)
+// needs more room on the stack than Wine keeps free.
+bool stackOverflowCanBeTold();
 // With float traps on, which stay on.
 double divideFloatByZero();
 double underflowFloat();

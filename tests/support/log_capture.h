@@ -20,7 +20,7 @@ class LogCapture {
   LogCapture& operator=(const LogCapture&) = delete;
 
   std::vector<std::string> lines() const {
-    std::istringstream text(folder_.read("corvantis.log"));
+    std::istringstream text(folder_.readText("corvantis.log"));
     std::vector<std::string> found;
     for (std::string line; std::getline(text, line);) found.push_back(line);
     return found;

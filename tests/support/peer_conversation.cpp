@@ -36,9 +36,9 @@ std::string ScriptedPeer::Conversation::readExactly(std::size_t count) {
     });
   });
   if (!failure) return bytes;
-  const std::string far = got == 0 ? "" : " after \"" + escape(bytes.substr(0, got)) + "\"";
-  if (failure == asio::error::eof) throw Departure("  the client closed the connection" + far);
-  throw Departure("  " + failure.message() + far);
+  const std::string partly = got == 0 ? "" : " after \"" + escape(bytes.substr(0, got)) + "\"";
+  if (failure == asio::error::eof) throw Departure("  the client closed the connection" + partly);
+  throw Departure("  " + failure.message() + partly);
 }
 
 void ScriptedPeer::Conversation::write(const std::string& bytes) {

@@ -7,6 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "support/platform_kind.h"
+
 namespace support {
 namespace fs = std::filesystem;
 
@@ -15,7 +17,7 @@ TemporaryFolder::TemporaryFolder() {
   for (int attempt = 0; attempt < 100; ++attempt) {
     const fs::path candidate = fs::temp_directory_path() / ("corvantis-test-" + std::to_string(random()));
     if (fs::create_directory(candidate)) {
-      path_ = candidate.string();
+      path_ = candidate.generic_string();
       return;
     }
   }
@@ -48,6 +50,12 @@ std::string TemporaryFolder::read(const std::string& name) const {
   std::ostringstream content;
   content << stream.rdbuf();
   return content.str();
+}
+
+std::string TemporaryFolder::readText(const std::string& name) const {
+  std::string text = read(name);
+  if (kIsWindows) std::erase(text, '\r');
+  return text;
 }
 
 bool TemporaryFolder::exists(const std::string& name) const { return fs::exists(path(name)); }

@@ -21,6 +21,8 @@ class TemporaryFolder {
   // Writes a file below the folder, creating missing folders; returns its native path.
   std::string write(const std::string& name, const std::string& content) const;
   std::string read(const std::string& name) const;
+  // The same for text, whose line ends are the platform's own: as "\n".
+  std::string readText(const std::string& name) const;
   bool exists(const std::string& name) const;
 
  private:

@@ -1,13 +1,12 @@
-#include "platform/clock.h"
-
 #include <poll.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <climits>
 #include <thread>
+
+#include "platform/system_layers.h"
 
 namespace platform {
 namespace {
@@ -54,23 +53,11 @@ class SystemClock final : public Clock {
   }
 };
 
-SystemClock& systemClock() {
+}  // namespace
+
+Clock& systemClock() {
   static SystemClock instance;
   return instance;
 }
-
-// Null: the system's own.
-constinit std::atomic<Clock*> inForce{nullptr};
-
-}  // namespace
-
-Clock& clock() {
-  Clock* const replacement = inForce.load(std::memory_order_acquire);
-  return replacement != nullptr ? *replacement : systemClock();
-}
-
-ClockReplacement::ClockReplacement(Clock& replacement) : previous_(inForce.exchange(&replacement)) {}
-
-ClockReplacement::~ClockReplacement() { inForce.store(previous_); }
 
 }  // namespace platform

@@ -1,16 +1,14 @@
-#include "platform/files.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 
 #include "platform/posix/native_path.h"
+#include "platform/system_layers.h"
 
 namespace platform {
 namespace {
@@ -145,14 +143,6 @@ class SystemFiles final : public Files {
   }
 };
 
-SystemFiles& systemFiles() {
-  static SystemFiles instance;
-  return instance;
-}
-
-// Null: the system's own.
-constinit std::atomic<Files*> inForce{nullptr};
-
 class PosixTextFile final : public TextFile {
  public:
   explicit PosixTextFile(int descriptor) : descriptor_(descriptor) {}
@@ -176,14 +166,10 @@ class PosixTextFile final : public TextFile {
 
 }  // namespace
 
-Files& files() {
-  Files* const replacement = inForce.load(std::memory_order_acquire);
-  return replacement != nullptr ? *replacement : systemFiles();
+Files& systemFiles() {
+  static SystemFiles instance;
+  return instance;
 }
-
-FilesReplacement::FilesReplacement(Files& replacement) : previous_(inForce.exchange(&replacement)) {}
-
-FilesReplacement::~FilesReplacement() { inForce.store(previous_); }
 
 std::unique_ptr<TextFile> openTextFile(const std::u16string& path) {
   const posix::NativePath located = posix::locate(path);

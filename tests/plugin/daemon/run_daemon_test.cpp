@@ -9,6 +9,7 @@
 #include "daemon_fixture.h"
 #include "platform/environment.h"
 #include "plugin/daemon/build_version.h"
+#include "support/pattern.h"
 
 namespace corvantis {
 namespace {
@@ -16,7 +17,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 
 class RunDaemon : public DaemonTest {
  protected:
@@ -32,7 +32,7 @@ class RunDaemon : public DaemonTest {
 };
 
 TEST_F(RunDaemon, ShakesHandsAndEndsWellWhenTheWorkerCloses) {
-  EXPECT_THAT(buildVersionString(), MatchesRegex("[A-Z][a-z][a-z] [ 123][0-9] [0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2} R"));
+  EXPECT_THAT(buildVersionString(), support::MatchesPattern(R"([A-Z][a-z][a-z] [ 123]\d \d{4} \d{2}:\d{2}:\d{2} R)"));
   worker->expect("token").send("TessarynStartup").expect("Corvantis " + buildVersionString()).close();
   EXPECT_TRUE(run());
   EXPECT_THAT(log.lines(), ElementsAre("Thread: " + std::to_string(platform::currentThreadId()), "running daemon...",

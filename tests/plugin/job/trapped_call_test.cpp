@@ -9,6 +9,7 @@
 
 #include "platform/fault_guard.h"
 #include "support/faults.h"
+#include "support/platform_kind.h"
 
 namespace corvantis {
 namespace {
@@ -46,7 +47,8 @@ TEST_F(TrappedCall, DescribesTheRealCallStack) {
   EXPECT_THAT(job_.crashDescription, HasSubstr("  Exception Offset\n"));
   std::size_t frames = 0;
   for (std::size_t at = 0; (at = job_.crashDescription.find("\n  +", at)) != std::string::npos; ++at) ++frames;
-  EXPECT_GE(frames, 4U) << job_.crashDescription;
+  // On Windows the guarded block keeps its frame pointer for itself, and the chain ends there.
+  EXPECT_GE(frames, support::kIsWindows ? 3U : 4U) << job_.crashDescription;
   EXPECT_LE(frames, 20U);
 }
 

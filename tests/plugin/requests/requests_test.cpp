@@ -37,7 +37,7 @@ class Requests : public testing::Test {
     peer.start();
     connection.connect("127.0.0.1", peer.port(), 1);
   }
-  std::string log() const { return folder.read("log"); }
+  std::string log() const { return folder.readText("log"); }
 
   support::TemporaryFolder folder;
   support::FakeClock clock;

@@ -1,0 +1,7 @@
+#include "platform/process_status.h"
+
+namespace platform {
+
+ProcessEnd processEnd(int nativeStatus) { return {nativeStatus, false}; }
+
+}  // namespace platform
