@@ -49,6 +49,7 @@ class ConsoleHost : public testing::Test {
                         process::std_in<process::null, process::std_out> output);
     Ended ended;
     ended.output = {std::istreambuf_iterator<char>(output), {}};
+    std::erase(ended.output, '\r');  // of Windows' line ends
     host.wait();
     ended.exitCode = host.exit_code();
     peer.finish();
@@ -68,7 +69,10 @@ TEST_F(ConsoleHost, LoadsThePlugInAndHandsItTheConversation) {
   const Ended ended = converse();
   EXPECT_THAT(ended.output, AllOf(HasSubstr("LibDescription: Corvantis, Cloud interface\n"),
                                   HasSubstr("LibVersion: 55F03700\n"), HasSubstr("RunCorvantisDaemon: ")));
-  EXPECT_TRUE(folder.exists("corvantis.log"));
+  // Wine gives its programs a TMP of its own.
+  if (std::getenv("CORVANTIS_CONSOLE_HOST") == nullptr) {
+    EXPECT_TRUE(folder.exists("corvantis.log"));
+  }
 }
 
 TEST_F(ConsoleHost, RunsAJob) {
