@@ -17,6 +17,7 @@ if [ "${1:-}" = --windows ]; then
   build windows
   cmake/check-windows-dlls build/windows/bin
   trap 'cmake/run-under-wine --stop' EXIT
+  cmake/run-under-wine --start
   ctest --preset windows "$@"
   build release --target test_console_host
   echo "A worker of this system against the DLL"

@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
 #include "daemon_fixture.h"
 #include "platform/environment.h"
 #include "plugin/daemon/build_version.h"
-#include "support/pattern.h"
 
 namespace corvantis {
 namespace {
@@ -31,8 +31,22 @@ class RunDaemon : public DaemonTest {
   }
 };
 
+// As "Nov 23 2026 14:05:09 R".
+bool isBuildVersion(const std::string& text) {
+  const std::string shape = "Aaa _9 9999 99:99:99 R";
+  const auto fits = [](char kind, char character) {
+    const auto isIn = [character](char first, char last) { return character >= first && character <= last; };
+    if (kind == 'A') return isIn('A', 'Z');
+    if (kind == 'a') return isIn('a', 'z');
+    if (kind == '9') return isIn('0', '9');
+    if (kind == '_') return isIn('0', '9') || character == ' ';
+    return character == kind;
+  };
+  return std::equal(shape.begin(), shape.end(), text.begin(), text.end(), fits);
+}
+
 TEST_F(RunDaemon, ShakesHandsAndEndsWellWhenTheWorkerCloses) {
-  EXPECT_THAT(buildVersionString(), support::MatchesPattern(R"([A-Z][a-z][a-z] [ 123]\d \d{4} \d{2}:\d{2}:\d{2} R)"));
+  EXPECT_THAT(buildVersionString(), testing::Truly(&isBuildVersion));
   worker->expect("token").send("TessarynStartup").expect("Corvantis " + buildVersionString()).close();
   EXPECT_TRUE(run());
   EXPECT_THAT(log.lines(), ElementsAre("Thread: " + std::to_string(platform::currentThreadId()), "running daemon...",

@@ -4,16 +4,16 @@
 
 #include "frame_fixture.h"
 #include "plugin/job/end_job.h"
-#include "support/pattern.h"
 
 namespace corvantis {
 namespace {
 
 using support::answering;
-using support::MatchesPattern;
 using support::narrow;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -135,8 +135,8 @@ TEST_F(RenderFrameTest, RefusesNamesThatTheHostCannotTake) {
   EXPECT_EQ(job.savedOutputFiles.at(0).size(), 259U);
   job.rendererOpen = false;
   host.core.renderOutput.SetName(nameOfLength(260) + u".exr");
-  EXPECT_THAT(render(7),
-              MatchesPattern(R"(Output file name is too long: ".*0007\.exr" \(260 characters, at most 259\))"));
+  EXPECT_THAT(render(7), AllOf(StartsWith("Output file name is too long: \""),
+                               EndsWith("0007.exr\" (260 characters, at most 259)")));
   job.rendererOpen = false;
   host.core.renderOutput.SetName(at("beauty.exr"));
   addElement(u"Z", nameOfLength(300) + u".exr");
@@ -161,7 +161,8 @@ TEST_F(RenderFrameTest, SavesElementsButNoMainOutputWhenTheSceneDoesNotSave) {
   job.settings.useJpegOutput = true;
   addElement(u"Z", at("deep/z.exr"));
   ASSERT_EQ(render(7), "");
-  EXPECT_THAT(narrow(job.outputBaseName), MatchesPattern(R"(.*Halvquin\\tessaryn\\temp\\temp_filename\d+\.bmp)"));
+  EXPECT_THAT(narrow(job.outputBaseName),
+              AllOf(HasSubstr(R"(Halvquin\tessaryn\temp\temp_filename)"), EndsWith(".bmp")));
   EXPECT_THAT(told(), Contains("Overriding save file option to 0"));
   EXPECT_THAT(toldFrom("Checking output paths"),
               ElementsAre("Checking output paths", R"(Creating output path: OUT\deep)", "Checking default actions",
