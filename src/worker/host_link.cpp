@@ -221,7 +221,7 @@ class HostLink::Implementation {
       if (done) break;
       if (interrupted_)
         failure = kInterrupted;
-      else if (ended && ended())
+      else if (ended && ended() && !isDoneAfterAll(done))
         failure = lost("The host ended before it could " + std::string(what));
       else if (expired)
         failure = lost(fmt::format("The host did not {} within {:.0f} seconds", what,
@@ -234,6 +234,13 @@ class HostLink::Implementation {
     socket_.close(ignored);
     while (!done) io_.run_one();
     throw HostFailure(failure);
+  }
+
+  // What the host did just before it ended may have arrived, and not have been looked at yet.
+  bool isDoneAfterAll(const bool& done) {
+    while (!done && io_.poll_one() > 0) {
+    }
+    return done;
   }
 
   // The reason, how the host ended if it did, and what it said last.

@@ -24,7 +24,7 @@ hostsdk::ColorFloat toFloat(const hostsdk::Color64& color) {
 PixelStorage::PixelStorage(int width, int height, int type) : width_(width), height_(height) {
   const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
   if (type == hostsdk::kBitmapRealPixFloat32)
-    channels_.emplace<std::vector<float>>(count);
+    floats_ = channels_.emplace<std::vector<float>>(count).data();
   else
     channels_.emplace<std::vector<std::uint16_t>>(count);
 }
@@ -33,19 +33,26 @@ bool PixelStorage::inside(int x, int y, int count) const {
   return x >= 0 && y >= 0 && y < height_ && count >= 0 && x <= width_ && count <= width_ - x;
 }
 
+bool PixelStorage::isPixel(int x, int y) const {
+  // A negative number is a large one without its sign.
+  return static_cast<unsigned>(x) < static_cast<unsigned>(width_) &&
+         static_cast<unsigned>(y) < static_cast<unsigned>(height_);
+}
+
 std::size_t PixelStorage::offset(int x, int y) const {
   return (static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x)) * 4;
 }
 
 int PixelStorage::GetLinearPixels(int x, int y, int count, hostsdk::ColorFloat* out) {
+  // What a reader of single pixels asks for; a copy of known size needs no call.
+  if (count == 1 && floats_ != nullptr && isPixel(x, y)) {
+    std::memcpy(static_cast<void*>(out), floats_ + offset(x, y), sizeof(hostsdk::ColorFloat));
+    return 1;
+  }
   if (!inside(x, y, count)) return 0;
   const std::size_t first = offset(x, y);
-  if (const auto* floats = std::get_if<std::vector<float>>(&channels_)) {
-    if (count == 1) {  // what a reader of single pixels asks for; a copy of known size needs no call
-      std::memcpy(static_cast<void*>(out), floats->data() + first, sizeof(hostsdk::ColorFloat));
-      return 1;
-    }
-    std::memcpy(static_cast<void*>(out), floats->data() + first,
+  if (floats_ != nullptr) {
+    std::memcpy(static_cast<void*>(out), floats_ + first,
                 static_cast<std::size_t>(count) * sizeof(hostsdk::ColorFloat));
     return 1;
   }

@@ -10,10 +10,12 @@
 
 namespace standin::image {
 
-class PixelStorage : public hostsdk::BitmapStorage {
+class PixelStorage final : public hostsdk::BitmapStorage {
  public:
   // All zero. `type` is hostsdk::kBitmapTrueColor64 or kBitmapRealPixFloat32; sizes are at least 1.
   PixelStorage(int width, int height, int type);
+  PixelStorage(const PixelStorage&) = delete;
+  PixelStorage& operator=(const PixelStorage&) = delete;
 
   int width() const { return width_; }
   int height() const { return height_; }
@@ -31,10 +33,12 @@ class PixelStorage : public hostsdk::BitmapStorage {
 
  private:
   bool inside(int x, int y, int count) const;
+  bool isPixel(int x, int y) const;
   std::size_t offset(int x, int y) const;
 
   int width_, height_;
   std::variant<std::vector<std::uint16_t>, std::vector<float>> channels_;
+  const float* floats_ = nullptr;  // those of channels_, for whoever reads pixel by pixel
 };
 
 }  // namespace standin::image
