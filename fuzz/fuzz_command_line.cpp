@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
   for (std::string line; std::getline(lines, line);) {
     run(line, jobState, socket);
-    requireOneErrorAtMost(line, peer.received());
+    requireOneErrorAtMost(line, peer.receivedFrom(socket));
     // A blown-up output would only be slow to render, and one of negative size opens no real renderer.
     host.core.renderWidth = std::clamp(host.core.renderWidth, 0, largestSide);
     host.core.renderHeight = std::clamp(host.core.renderHeight, 0, largestSide);

@@ -1,5 +1,7 @@
 #include "fuzz/loopback_peer.h"
 
+#include <array>
+
 namespace fuzz {
 namespace {
 
@@ -37,19 +39,39 @@ void LoopbackPeer::send(std::string_view payload) {
           std::string(payload));
 }
 
-std::vector<std::string> LoopbackPeer::received() {
-  if (const std::size_t arrived = connection_.available()) {
-    const std::size_t before = unread_.size();
-    unread_.resize(before + arrived);
-    boost::asio::read(connection_, boost::asio::buffer(unread_.data() + before, arrived));
-  }
+bool LoopbackPeer::readMore() {
+  std::array<char, 4096> bytes{};
+  boost::system::error_code failure;
+  const std::size_t count = connection_.read_some(boost::asio::buffer(bytes), failure);
+  unread_.append(bytes.data(), count);
+  return !failure;
+}
+
+bool LoopbackPeer::nextMessage(std::string& message) {
+  if (unread_.size() < kHeaderSize || unread_.size() - kHeaderSize < lengthIn(unread_)) return false;
+  const std::size_t length = lengthIn(unread_);
+  message = unread_.substr(kHeaderSize, length);
+  unread_.erase(0, kHeaderSize + length);
+  return true;
+}
+
+std::vector<std::string> LoopbackPeer::receivedFrom(corvantis::win32::simple_socket& socket) {
+  // Its last word, behind which nothing of the past can come.
+  const std::string lastWord = "the fuzzer's last word";
   std::vector<std::string> messages;
-  while (unread_.size() >= kHeaderSize && unread_.size() - kHeaderSize >= lengthIn(unread_)) {
-    const std::size_t length = lengthIn(unread_);
-    messages.push_back(unread_.substr(kHeaderSize, length));
-    unread_.erase(0, kHeaderSize + length);
+  if (!socket.isConnected()) return messages;
+  try {
+    socket.send(lastWord);
+  } catch (const corvantis::win32::simple_socket_error&) {
+    return messages;
   }
-  return messages;
+  for (std::string message;;) {
+    while (nextMessage(message)) {
+      if (message == lastWord) return messages;
+      messages.push_back(message);
+    }
+    if (!readMore()) return messages;
+  }
 }
 
 }  // namespace fuzz

@@ -20,10 +20,15 @@ class LoopbackPeer {
 
   void sendRaw(std::string_view bytes);
   void send(std::string_view payload);
-  // The messages that have arrived since the last call.
-  std::vector<std::string> received();
+  // The messages that `socket` has sent since the last call, all of them: what a system holds back a moment is waited
+  // for. Empty when the connection is gone.
+  std::vector<std::string> receivedFrom(corvantis::win32::simple_socket& socket);
 
  private:
+  bool readMore();
+  // Takes the next whole message off what was read.
+  bool nextMessage(std::string& message);
+
   boost::asio::io_context context_;
   boost::asio::ip::tcp::acceptor acceptor_;
   boost::asio::ip::tcp::socket connection_;
