@@ -80,6 +80,7 @@ class DaemonRounds {
 }  // namespace
 
 int main() {
+  bench::keepToOneProcessor();
   DaemonRounds ours;
   bench::PingPong bare({kHeaderSize + kSettings.size(), kHeaderSize + kReply.size(), 2});
   bench::reportRounds("settings command and reply through the daemon",

@@ -55,6 +55,7 @@ void measureBurst(const std::string& name, const RoundShape& shape, int rounds) 
 }  // namespace
 
 int main() {
+  bench::keepToOneProcessor();
   measureRoundTrip("socket round trip, 64 bytes", {64, 64}, 40000);
   measureRoundTrip("socket round trip, 16 KiB", {16384, 16384}, 10000);
   measureBurst("2 messages, 1 answer, against Nagle", {64, 64, 2}, 60);

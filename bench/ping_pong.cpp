@@ -2,6 +2,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -145,6 +146,17 @@ PingPong::~PingPong() { ::close(socket_); }
 void PingPong::round() {
   for (int request = 0; request < shape_.requests; ++request) sendAll(socket_, request_);
   if (!receiveAll(socket_, answer_)) throw std::system_error(errno, std::generic_category(), "recv");
+}
+
+void keepToOneProcessor() {
+  cpu_set_t allowed;
+  checked(::sched_getaffinity(0, sizeof allowed, &allowed), "sched_getaffinity");
+  int first = 0;
+  while (!CPU_ISSET(first, &allowed)) ++first;
+  cpu_set_t one;
+  CPU_ZERO(&one);
+  CPU_SET(first, &one);
+  checked(::sched_setaffinity(0, sizeof one, &one), "sched_setaffinity");
 }
 
 Comparison compareRounds(const std::function<void()>& ours, const std::function<void()>& peer, int rounds) {

@@ -83,6 +83,10 @@ class PingPong {
   int socket_;
 };
 
+// From here on the process, and what it starts, keeps to one processor. Waking another one takes longer than the rest
+// of a round, above all in a virtual machine, and falls to whichever of the pairs the scheduler happens to part.
+void keepToOneProcessor();
+
 // Microseconds a round.
 struct Latencies {
   double p50 = 0;

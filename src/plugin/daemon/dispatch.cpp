@@ -11,8 +11,8 @@ namespace corvantis {
 namespace {
 
 void logLine(const std::u16string& line, std::span<const std::u16string> fields) {
-  log_file << "Command: " << line << '\n';
-  for (const std::u16string& field : fields) log_file << field << '\n';
+  log_file << "Command: " << line << LogFile::endl;
+  for (const std::u16string& field : fields) log_file << field << LogFile::endl;
   log_file << LogFile::endl;
 }
 

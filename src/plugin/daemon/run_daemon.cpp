@@ -55,7 +55,7 @@ void shakeHands(win32::simple_socket& socket, const std::u16string& token) {
 
 void serveCommand(JobState& jobState, win32::simple_socket& socket) {
   const std::u16string line = from_utf8(socket.receive(win32::COMMAND_TIMEOUT_MS));
-  log_file << "\nGot command: " << line << '\n' << LogFile::endl;
+  log_file << "\nGot command: " << line << LogFile::endl << LogFile::endl;
   dispatchCommand(jobState, socket, line);
 }
 
