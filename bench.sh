@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-./setup.sh >&2
+./setup.sh packages.txt packages-bench.txt >&2
 [ -f build/release/build.ninja ] || cmake --preset release >&2
 cmake --build --preset release --target benchmarks >&2
 
