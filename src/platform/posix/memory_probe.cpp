@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/fault_guard.h"
+#include "platform/page_reads.h"
 
 namespace platform {
 namespace {
@@ -100,16 +101,7 @@ bool isCodeRange(std::string_view line, std::uintptr_t address, bool& contains) 
 }  // namespace
 
 std::size_t readMemory(std::uintptr_t address, void* out, std::size_t count) {
-  constexpr std::uintptr_t kPage = 4096;
-  auto* const bytes = static_cast<char*>(out);
-  std::size_t copied = 0;
-  while (copied < count) {
-    const std::uintptr_t from = address + copied;
-    const std::size_t part = std::min<std::size_t>(count - copied, kPage - from % kPage);
-    if (!readWithinPage(from, bytes + copied, part)) break;
-    copied += part;
-  }
-  return copied;
+  return readByPages(address, out, count, &readWithinPage);
 }
 
 bool isCodeAddress(std::uintptr_t address) {

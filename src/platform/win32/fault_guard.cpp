@@ -5,10 +5,10 @@
 #include <malloc.h>
 #include <xmmintrin.h>
 
-#include <algorithm>
 #include <cfenv>
 #include <cstring>
 
+#include "platform/page_reads.h"
 #include "platform/win32/structured_exceptions.h"
 
 #if defined(__GLIBCXX__)
@@ -86,13 +86,12 @@ long askFilter(void* state, EXCEPTION_POINTERS* exception) {
   return EXCEPTION_EXECUTE_HANDLER;
 }
 
-// Page by page, so that the answer is how much can be read.
-std::size_t readWithinPage(std::uintptr_t address, void* out, std::size_t count) {
+bool readWithinPage(std::uintptr_t address, char* out, std::size_t count) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): addresses come from the machine, as numbers
   const void* const place = reinterpret_cast<const void*>(address);
-  if (::IsBadReadPtr(place, count) != 0) return 0;
+  if (::IsBadReadPtr(place, count) != 0) return false;
   std::memcpy(out, place, count);
-  return count;
+  return true;
 }
 
 }  // namespace
@@ -110,16 +109,7 @@ std::uint32_t runGuarded(void (*work)(void* argument), void* argument, FaultFilt
 }
 
 std::size_t readMemory(std::uintptr_t address, void* out, std::size_t count) {
-  constexpr std::uintptr_t kPage = 4096;
-  auto* const bytes = static_cast<char*>(out);
-  std::size_t copied = 0;
-  while (copied < count) {
-    const std::uintptr_t from = address + copied;
-    const std::size_t part = std::min<std::size_t>(count - copied, kPage - from % kPage);
-    if (readWithinPage(from, bytes + copied, part) == 0) break;
-    copied += part;
-  }
-  return copied;
+  return readByPages(address, out, count, &readWithinPage);
 }
 
 bool isCodeAddress(std::uintptr_t address) {
