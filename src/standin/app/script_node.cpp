@@ -222,6 +222,8 @@ const std::array kProperties{
     Property{u"transform", getTransform, nullptr, any},
     Property{u"ishidden", [](ScriptNode& n) -> HostValue { return !n.node().visible; },
              [](ScriptNode& n, const HostValue& v) { n.node().visible = !asBoolean(v, u"isHidden"); }, any},
+    Property{u"isselected", [](ScriptNode& n) -> HostValue { return n.node().selected; },
+             [](ScriptNode& n, const HostValue& v) { n.node().selected = asBoolean(v, u"isSelected"); }, any},
     Property{u"visibility", [](ScriptNode& n) -> HostValue { return n.node().visible; },
              [](ScriptNode& n, const HostValue& v) { n.node().visible = asBoolean(v, u"visibility"); }, any},
     Property{u"renderable", [](ScriptNode& n) -> HostValue { return n.node().visible; },

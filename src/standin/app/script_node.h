@@ -9,7 +9,7 @@
 
 namespace standin::app {
 
-// Properties: name, parent, children, position (pos), rotation, scale, transform, isHidden, visibility, renderable,
+// Properties: name, parent, children, position (pos), rotation, scale, transform, isHidden, isSelected, visibility, renderable,
 // material; fov of cameras (horizontal, degrees); on (enabled), multiplier (intensity) and color (rgb) of lights. User
 // properties through getUserProp and setUserProp. Positions are in world space, rotation and
 // scale those of the node itself. Setting a placement ends its animation: the node stays where it was put.

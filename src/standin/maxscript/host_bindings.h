@@ -84,11 +84,9 @@ class HostBindings : public HostObject {
   std::u16string className() const override { return u"Host"; }
   std::u16string printed() const override { return u"<host>"; }
 
-  // All nodes of the scene, in scene order. A node has at least the properties `name`, `parent` (a node or undefined),
-  // and as superClassName one of GeometryClass, camera, light, helper, shape.
+  // All nodes of the scene, in scene order. A node has at least the properties `name`, `parent` (a node or undefined)
+  // and `isSelected` (a boolean), and as superClassName one of GeometryClass, camera, light, helper, shape.
   virtual std::vector<std::shared_ptr<HostObject>> nodes() { return {}; }
-  // The selected ones of them.
-  virtual std::vector<std::shared_ptr<HostObject>> selection() { return {}; }
 
   // Classes of the host's objects, each with its superclass, that scripts compare classOf with.
   virtual std::vector<std::pair<std::u16string, std::u16string>> classes() { return {}; }

@@ -52,6 +52,7 @@ FakeScriptHost::FakeScriptHost(std::u16string folder) : folder_(std::move(folder
         std::map<std::u16string, HostValue, std::less<>>{{u"name", std::u16string(name)},
                                                          {u"parent", parent},
                                                          {u"ishidden", false},
+                                                         {u"isselected", false},
                                                          {u"position", HostPoint3{1, 2, 3}}}));
     return nodes_.back();
   };

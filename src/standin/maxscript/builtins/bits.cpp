@@ -38,6 +38,8 @@ Value setBit(const Call& call) {
 }
 Value flipBit(const Call& call) { return wrapped(word(call, 0) ^ maskOf(call)); }
 
+constexpr std::u16string_view kHexDigits = u"0123456789abcdef";
+
 Value intAsChar(const Call& call) {
   return call.runtime.newString(std::u16string(1, static_cast<char16_t>(toInteger(call.runtime, call[0]))));
 }
@@ -47,11 +49,22 @@ Value charAsInt(const Call& call) {
   return Value::ofInteger(text[0]);
 }
 Value intAsHex(const Call& call) {
-  static constexpr std::u16string_view kDigits = u"0123456789abcdef";
   std::u16string text;
   for (std::uint32_t rest = word(call, 0); rest != 0 || text.empty(); rest >>= 4)
-    text.insert(text.begin(), kDigits[rest & 15]);
+    text.insert(text.begin(), kHexDigits[rest & 15]);
   return call.runtime.newString(text);
+}
+Value hexAsInt(const Call& call) {
+  const std::u16string_view text = toString(call.runtime, call[0]);
+  std::uint32_t number = 0;
+  for (const char16_t digit : text) {
+    const std::size_t value =
+        kHexDigits.find(digit >= u'A' && digit <= u'F' ? static_cast<char16_t>(digit + 32) : digit);
+    if (value == std::u16string_view::npos || number > 0x0FFFFFFF)
+      throwRuntimeError(u"bit.hexAsInt requires up to 8 hexadecimal digits, got: " + printed(call.runtime, call[0]));
+    number = number << 4 | static_cast<std::uint32_t>(value);
+  }
+  return wrapped(number);
 }
 Value intAsFloat(const Call& call) { return Value::ofFloat(std::bit_cast<float>(word(call, 0))); }
 Value floatAsInt(const Call& call) {
@@ -70,6 +83,7 @@ constexpr BuiltinEntry kEntries[] = {
     {u"bit.intAsChar", 1, 1, intAsChar},
     {u"bit.charAsInt", 1, 1, charAsInt},
     {u"bit.intAsHex", 1, 1, intAsHex},
+    {u"bit.hexAsInt", 1, 1, hexAsInt},
     {u"bit.intAsFloat", 1, 1, intAsFloat},
     {u"bit.floatAsInt", 1, 1, floatAsInt},
 };

@@ -35,6 +35,36 @@ Value setHidden(const Call& call) {
   return Value::ok();
 }
 
+void setSelected(const Call& call, const Value& node, bool selected) {
+  const auto* given = as<HostValueObject>(node);
+  if (!given || !given->host->set(u"isselected", selected)) throwUnableToConvert(printed(call.runtime, node), u"node");
+}
+
+template <bool Selected>
+Value changeSelection(const Call& call) {
+  setSelected(call, call[0], Selected);
+  return Value::ok();
+}
+
+Value clearSelection(const Call& call) {
+  for (const auto& each : call.runtime.host().nodes()) each->set(u"isselected", false);
+  return Value::ok();
+}
+
+// What is selected afterwards is told before anything is let go: it may be the selection itself.
+Value select(const Call& call) {
+  const auto* set = as<NodeSetObject>(call[0]);
+  const Root chosen(call.runtime.heap(), set ? nodesOf(call.runtime, *set) : call[0]);
+  clearSelection(call);
+  const auto* several = as<ArrayObject>(chosen.value);
+  if (!several) {
+    setSelected(call, chosen.value, true);
+    return Value::ok();
+  }
+  for (const Value& each : several->items) setSelected(call, each, true);
+  return Value::ok();
+}
+
 // undefined when the node has no such user property.
 Value getUserProp(const Call& call) {
   const AllocationFrame frame(call.runtime.port());
@@ -64,6 +94,10 @@ constexpr BuiltinEntry kEntries[] = {
     {u"isValidNode", 1, 1, isValidNode},
     {u"hide", 1, 1, setHidden<true>, true},
     {u"unhide", 1, 1, setHidden<false>, true},
+    {u"select", 1, 1, select},
+    {u"selectMore", 1, 1, changeSelection<true>, true},
+    {u"deselect", 1, 1, changeSelection<false>, true},
+    {u"clearSelection", 0, 0, clearSelection},
     {u"getUserProp", 2, 2, getUserProp},
     {u"setUserProp", 3, 3, setUserProp, true},
     {u"move", 2, 2, move, true},

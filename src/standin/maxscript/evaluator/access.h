@@ -20,6 +20,8 @@ void setElement(Runtime& runtime, const Value& collection, const Value& index, c
 bool isCollection(const Value& value);
 // A new array of the elements, or the array itself.
 Value elementsOf(Runtime& runtime, const Value& collection);
+// A new array of the string's characters, each a string.
+Value charactersOf(Runtime& runtime, const Value& string);
 
 // Throws when the array would pass kMaxArrayLength.
 void appendTo(Runtime& runtime, ArrayObject& array, const Value& value);

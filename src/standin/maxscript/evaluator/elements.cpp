@@ -121,6 +121,14 @@ bool isCollection(const Value& value) {
   }
 }
 
+Value charactersOf(Runtime& runtime, const Value& string) {
+  const Root made(runtime.heap(), runtime.heap().make<ArrayObject>());
+  const std::u16string text(toString(runtime, string));
+  for (const char16_t character : text)
+    appendTo(runtime, *as<ArrayObject>(made.value), runtime.newString(std::u16string(1, character)));
+  return made.value;
+}
+
 Value elementsOf(Runtime& runtime, const Value& collection) {
   if (as<ArrayObject>(collection)) return collection;
   if (const auto* set = as<NodeSetObject>(collection)) return nodesOf(runtime, *set);

@@ -78,10 +78,14 @@ bool Evaluator::forStep(Value* slots) {
 
 void Evaluator::eachPrepare(Value* slots) {
   const Value& collection = sp_[-1];
+  slots[1] = Value::ofInteger(0);
+  if (as<StringObject>(collection)) {
+    slots[0] = charactersOf(runtime_, collection);
+    return;
+  }
   if (!isCollection(collection)) throwTypeError(u"for-loop requires collection, got: " + printed(runtime_, collection));
   slots[0] =
       as<ArrayObject>(collection) || as<BitArrayObject>(collection) ? collection : elementsOf(runtime_, collection);
-  slots[1] = Value::ofInteger(0);
 }
 
 // Arrays may change while they are walked: the index decides.

@@ -98,6 +98,7 @@ class ScriptParser {
   void namedOperands(bool acrossLines);
   void body();
   void bodyItem();
+  bool isHandler();
   bool isControl();
   void control();
   void group();

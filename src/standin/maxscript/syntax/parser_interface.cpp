@@ -75,9 +75,7 @@ void ScriptParser::body() {
 }
 
 void ScriptParser::bodyItem() {
-  if (isKeyword(u"on") && !peek(1).afterNewline &&
-      (peek(1).kind == TokenKind::identifier || peek(1).kind == TokenKind::quotedIdentifier ||
-       peek(1).kind == TokenKind::keyword)) {
+  if (isHandler()) {
     handler();
   } else if (isKeyword(u"parameters")) {
     parameterBlock();
@@ -92,6 +90,12 @@ void ScriptParser::bodyItem() {
   }
 }
 
+bool ScriptParser::isHandler() {
+  return isKeyword(u"on") && !peek(1).afterNewline &&
+         (peek(1).kind == TokenKind::identifier || peek(1).kind == TokenKind::quotedIdentifier ||
+          peek(1).kind == TokenKind::keyword);
+}
+
 bool ScriptParser::isControl() {
   const Token& word = peek();
   if (word.kind != TokenKind::identifier || word.beforeColon) return false;
@@ -104,7 +108,10 @@ bool ScriptParser::isControl() {
 void ScriptParser::control() {
   take();
   take();
-  const auto continues = [&] { return !peek().afterNewline && startsOperand(peek()) && !peek().beforeColon; };
+  // On one line the next clause of the body may follow.
+  const auto continues = [&] {
+    return !peek().afterNewline && startsOperand(peek()) && !peek().beforeColon && !isHandler() && !isControl();
+  };
   if (continues() || peek().kind == TokenKind::string) operand();
   while (continues()) operand();
   namedOperands(true);

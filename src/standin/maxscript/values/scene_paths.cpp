@@ -90,11 +90,21 @@ constexpr std::array<NamedSet, 6> kNamedSets{{{u"objects", u""},
                                               {u"helpers", u"helper"},
                                               {u"shapes", u"shape"}}};
 
+std::vector<NodePointer> selectedNodes(Runtime& runtime) {
+  std::vector<NodePointer> nodes = runtime.host().nodes();
+  std::erase_if(nodes, [](const NodePointer& node) {
+    const auto found = node->get(u"isselected");
+    const auto* selected = found ? std::get_if<bool>(&*found) : nullptr;
+    return selected == nullptr || !*selected;
+  });
+  return nodes;
+}
+
 }  // namespace
 
 Value resolvePath(Runtime& runtime, const std::u16string& text) {
   if (text.empty() || equalFolded(text, u"selection")) {
-    const auto selected = runtime.host().selection();
+    const auto selected = selectedNodes(runtime);
     if (selected.empty() && text.empty()) return {};
     if (selected.size() == 1 && text.empty()) return fromHost(runtime, selected.front());
     return runtime.heap().make<NodeSetObject>(NodeSetObject::Which::selected, u"");
@@ -127,7 +137,7 @@ Value nodesOf(Runtime& runtime, const NodeSetObject& set) {
       return made.value;
     }
   }
-  const auto nodes = set.which == NodeSetObject::Which::selected ? runtime.host().selection() : runtime.host().nodes();
+  const auto nodes = set.which == NodeSetObject::Which::selected ? selectedNodes(runtime) : runtime.host().nodes();
   const Root made(runtime.heap(), runtime.heap().make<ArrayObject>());
   for (const auto& node : nodes) {
     const bool belongs = set.which == NodeSetObject::Which::ofClass ? equalFolded(node->superClassName(), set.text)
