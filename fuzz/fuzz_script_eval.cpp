@@ -5,6 +5,7 @@
 
 #include "standin/maxscript/engine.h"
 #include "standin/maxscript/syntax/source.h"
+#include "support/fake_clock.h"
 
 namespace {
 
@@ -17,6 +18,8 @@ class Host : public standin::maxscript::HostBindings {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace standin::maxscript;
   if (size == 0) return 0;
+  support::FakeClock clock;  // on which sleep() passes at once
+  const platform::ClockReplacement handMoved(clock);
   Host host;
   EngineOptions options;
   options.stepLimit = 20000;

@@ -6,6 +6,7 @@
 
 #include "hostsdk/maxscript/value.h"
 #include "platform/files.h"
+#include "standin/app/script_layers.h"
 #include "standin/app/script_node.h"
 #include "standin/app/script_render.h"
 #include "standin/app/script_values.h"
@@ -78,6 +79,7 @@ const std::array kGlobals{
     Global{u"maxFilePath", [](B& b) -> HostValue { return scenePart(b, true); }, nullptr},
     Global{u"renderers", [](B& b) -> HostValue { return scriptRenderers(b.core()); }, nullptr},
     Global{u"maxOps", [](B& b) -> HostValue { return scriptMaxOps(b.core()); }, nullptr},
+    Global{u"LayerManager", [](B& b) -> HostValue { return scriptLayers(b.core()); }, nullptr},
     Global{u"viewport", [](B& b) -> HostValue { return scriptViewports(b.core()); }, nullptr},
     Global{u"renderSceneDialog", [](B&) -> HostValue { return scriptRenderDialog(); }, nullptr},
     Global{u"rootNode", [](B& b) -> HostValue { return scriptRootNode(b.core()); }, nullptr},

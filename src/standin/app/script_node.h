@@ -9,10 +9,10 @@
 
 namespace standin::app {
 
-// Properties: name, parent, children, position (pos), rotation, scale, transform, isHidden, isSelected, visibility, renderable,
-// material; fov of cameras (horizontal, degrees); on (enabled), multiplier (intensity) and color (rgb) of lights. User
-// properties through getUserProp and setUserProp. Positions are in world space, rotation and
-// scale those of the node itself. Setting a placement ends its animation: the node stays where it was put.
+// Properties: name, parent, children, position (pos), rotation, scale, transform, isHidden, isSelected, visibility,
+// renderable, material; fov of cameras (horizontal, degrees); on (enabled), multiplier (intensity) and color (rgb) of
+// lights. User properties through getUserProp and setUserProp. Positions are in world space, rotation and scale those
+// of the node itself. Setting a placement ends its animation: the node stays where it was put.
 //
 // A node of a scene that has been replaced has no properties any more, but isValidNode's name.
 std::shared_ptr<maxscript::HostObject> scriptNode(Core& core, int index);

@@ -65,9 +65,12 @@ class Renderers : public HostObject {
   std::u16string className() const override { return u"Renderers"; }
   std::u16string printed() const override { return u"<Renderers>"; }
   const void* identity() const override { return &core_; }
-  std::vector<std::u16string> propertyNames() const override { return {u"current", u"production"}; }
+  std::vector<std::u16string> propertyNames() const override {
+    return {u"current", u"production", u"medit", u"activeShade"};
+  }
   std::optional<HostValue> get(std::u16string_view name) override {
-    if (name != u"current" && name != u"production") return std::nullopt;
+    // One renderer does everything here.
+    if (name != u"current" && name != u"production" && name != u"medit" && name != u"activeshade") return std::nullopt;
     return std::make_shared<CurrentRenderer>(core_);
   }
 

@@ -8,7 +8,7 @@
 
 namespace standin::app {
 
-// `renderers`: current and production, each with its samples.
+// `renderers`: current, production, medit and activeShade, all the same one, with its samples.
 std::shared_ptr<maxscript::HostObject> scriptRenderers(Core& core);
 // `maxOps`: GetCurRenderElementMgr(), whose functions are NumRenderElements, GetRenderElement,
 // GetRenderElementFilename, SetRenderElementFilename, GetElementsActive, SetElementsActive. Elements have elementName

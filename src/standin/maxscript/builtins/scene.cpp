@@ -20,6 +20,18 @@ Value getNodeByName(const Call& call) {
   return nodeByName(call.runtime, std::u16string(toString(call.runtime, call[0])));
 }
 
+// The name with the first number behind it, three digits at least, that no node has.
+Value uniqueName(const Call& call) {
+  const std::u16string base(toString(call.runtime, call[0]));
+  for (int number = 1;; ++number) {
+    std::string digits = std::to_string(number);
+    digits.insert(0, digits.size() < 3 ? 3 - digits.size() : 0, '0');
+    const std::u16string candidate = base + std::u16string(digits.begin(), digits.end());
+    const Root found(call.runtime.heap(), nodeByName(call.runtime, candidate));
+    if (!found.value.isObject()) return call.runtime.newString(candidate);
+  }
+}
+
 // Still part of the scene.
 Value isValidNode(const Call& call) {
   const auto* given = as<HostValueObject>(call[0]);
@@ -91,6 +103,7 @@ Value move(const Call& call) {
 
 constexpr BuiltinEntry kEntries[] = {
     {u"getNodeByName", 1, 1, getNodeByName},
+    {u"uniqueName", 1, 1, uniqueName},
     {u"isValidNode", 1, 1, isValidNode},
     {u"hide", 1, 1, setHidden<true>, true},
     {u"unhide", 1, 1, setHidden<false>, true},

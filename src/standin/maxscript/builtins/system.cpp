@@ -1,6 +1,7 @@
 // Time and date, the surroundings, and operating-system commands (which are refused).
 #include <chrono>
 #include <filesystem>
+#include <random>
 
 #include "platform/clock.h"
 #include "platform/environment.h"
@@ -68,6 +69,29 @@ Value scriptFilename(const Call& call) {
   return call.runtime.runningFiles.empty() ? Value() : Value(call.runtime.newString(call.runtime.runningFiles.back()));
 }
 
+// Seconds, which may be a fraction.
+Value sleepFor(const Call& call) {
+  const float seconds = toFloat(call.runtime, call[0]);
+  if (!(seconds >= 0 && seconds <= 86400)) throwRuntimeError(u"sleep requires 0 to 86400 seconds");
+  platform::clock().sleep(static_cast<std::uint32_t>(seconds * 1000));
+  return Value::ok();
+}
+
+// A random identifier: {8-4-4-4-12} hexadecimal digits, version 4.
+Value genGuid(const Call& call) {
+  static constexpr std::u16string_view kDigits = u"0123456789ABCDEF";
+  std::u16string text = u"{xxxxxxxx-xxxx-4xxx-yxxx-xxxxxxxxxxxx}";
+  std::random_device random;
+  for (char16_t& character : text) {
+    if (character == u'x') character = kDigits[random() & 15U];
+    if (character == u'y') character = kDigits[8U | (random() & 3U)];
+  }
+  return call.runtime.newString(text);
+}
+
+// The farm's worker drives the host, not the production host's own network renderer.
+Value isNetServer(const Call&) { return Value::ofBoolean(false); }
+
 Value refuse(const Call&) { throwRuntimeError(u"Operating-system commands are not supported by this host"); }
 
 constexpr BuiltinEntry kEntries[] = {
@@ -75,6 +99,9 @@ constexpr BuiltinEntry kEntries[] = {
     {u"getLocalTime", 0, 0, getLocalTime},
     {u"systemTools.getEnvVariable", 1, 1, getEnvVariable},
     {u"maxVersion", 0, 0, maxVersion},
+    {u"sleep", 1, 1, sleepFor},
+    {u"genGuid", 0, 0, genGuid},
+    {u"isNetServer", 0, 0, isNetServer},
     {u"getDir", 1, 1, getDir},
     {u"gc", 0, 0, collectGarbage},
     {u"getSourceFileName", 0, 0, sourceFileName},
