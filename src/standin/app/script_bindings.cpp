@@ -100,6 +100,7 @@ ScriptBindings::ScriptBindings(Core& core, std::function<void(const std::string&
 
 std::vector<std::u16string> ScriptBindings::propertyNames() const {
   std::vector<std::u16string> names;
+  names.reserve(kGlobals.size());
   for (const Global& global : kGlobals) names.emplace_back(global.name);
   for (std::u16string& name : settings_.names()) names.push_back(std::move(name));
   return names;
