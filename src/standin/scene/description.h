@@ -116,7 +116,7 @@ struct Node {
   std::vector<Track> tracks;
   int mesh = kNone, camera = kNone, light = kNone;
   bool visible = true;
-  bool selected = false;  // by a script
+  bool selected = false;                                           // by a script
   std::map<std::string, PlainValue> userProperties;                // the plain values of its extras, for scripts
   int objectId = 0;                                                // from 1, in file order
   std::optional<std::pair<std::uint32_t, std::uint32_t>> classId;  // "standin" override on a node
