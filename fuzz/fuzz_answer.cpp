@@ -7,7 +7,7 @@
 
 #include "fuzz/loopback_peer.h"
 #include "hostsdk/exceptions.h"
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "plugin/interface/corvantis_interface.h"
 #include "support/fake_clock.h"
 #include "support/fake_host.h"

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "hostsdk/exceptions.h"
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace hostsdk {
 namespace {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace support {
 

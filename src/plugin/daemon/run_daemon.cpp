@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "hostsdk/exceptions.h"
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "platform/clock.h"
 #include "platform/environment.h"
 #include "plugin/daemon/build_version.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "plugin/interface/fpwrapper/static_interface.h"
 #include "plugin/job/job_state.h"
 #include "plugin/transport/simple_socket.h"

@@ -1,7 +1,7 @@
 // The members of TessarynUtil that talk to the worker.
 #include <stdexcept>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/daemon/run_daemon.h"
 #include "plugin/interface/corvantis_interface.h"

@@ -1,6 +1,6 @@
 // The members of TessarynUtil that tell a script about its job, or end it.
 #include "hostsdk/core_interface.h"
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/interface/corvantis_interface.h"
 

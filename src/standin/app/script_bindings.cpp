@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "platform/files.h"
 #include "standin/app/script_layers.h"
 #include "standin/app/script_node.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "standin/app/script_values.h"
 
 namespace standin::app {

@@ -5,7 +5,7 @@
 #include <numbers>
 #include <string_view>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "standin/app/script_values.h"
 #include "standin/app/script_views.h"
 #include "standin/app/text.h"

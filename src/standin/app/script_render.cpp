@@ -2,7 +2,7 @@
 
 #include <variant>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "platform/files.h"
 #include "standin/app/script_values.h"
 #include "standin/app/text.h"

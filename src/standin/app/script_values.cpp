@@ -4,7 +4,7 @@
 #include <limits>
 #include <optional>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "standin/app/text.h"
 
 namespace standin::app {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "standin/maxscript/host_bindings.h"
 
 namespace standin::maxscript {

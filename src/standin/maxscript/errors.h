@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "standin/maxscript/syntax/source.h"
 
 namespace standin::maxscript {

@@ -7,7 +7,7 @@
 #include <functional>
 #include <limits>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "platform/environment.h"
 #include "plugin/util/log_file.h"
 #include "support/fake_clock.h"

@@ -1,6 +1,6 @@
 #include "fake_script_host.h"
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 
 namespace tests {
 namespace {

@@ -1,7 +1,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/util/text.h"
 

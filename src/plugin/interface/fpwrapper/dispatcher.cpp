@@ -1,7 +1,7 @@
 #include "plugin/interface/fpwrapper/dispatcher.h"
 
 #include "hostsdk/exceptions.h"
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "plugin/util/text.h"
 
 namespace corvantis::max3d::fpwrapper {

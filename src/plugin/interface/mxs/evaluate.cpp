@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "plugin/interface/mxs/frame.h"
 #include "plugin/interface/mxs/listener.h"
 #include "plugin/util/text.h"

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 
 namespace corvantis::mxs {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "plugin/interface/mxs/frame.h"
 
 namespace corvantis::mxs {

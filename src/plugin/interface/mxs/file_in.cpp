@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "plugin/interface/mxs/evaluate.h"
 #include "plugin/interface/mxs/frame.h"
 #include "plugin/util/files.h"

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace corvantis::mxs {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace corvantis::mxs {
 

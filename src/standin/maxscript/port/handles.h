@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 #include "standin/maxscript/values/streams.h"
 #include "standin/maxscript/values/structures.h"
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace standin::maxscript {
 

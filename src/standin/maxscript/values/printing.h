@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 #include "standin/maxscript/runtime.h"
 
 namespace standin::maxscript {

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "hostsdk/api.h"
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 
 namespace hostsdk {
 

@@ -1,4 +1,4 @@
-#include "hostsdk/maxscript/runtime.h"
+#include "hostsdk/script_runtime.h"
 
 namespace hostsdk {
 

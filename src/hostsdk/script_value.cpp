@@ -1,4 +1,4 @@
-#include "hostsdk/maxscript/value.h"
+#include "hostsdk/script_value.h"
 
 #include <utility>
 
