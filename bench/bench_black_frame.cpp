@@ -7,15 +7,15 @@
 #include <string>
 
 #include "bench/report.h"
+#include "hostkit/image/bitmap_manager.h"
+#include "hostkit/image/image_io.h"
+#include "hostkit/image/pixel_storage.h"
+#include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"
 #include "plugin/job/black_frame.h"
 #include "plugin/job/job_state.h"
 #include "plugin/transport/simple_socket.h"
 #include "plugin/util/log_file.h"
-#include "standin/image/bitmap_manager.h"
-#include "standin/image/gamma_manager.h"
-#include "standin/image/image_io.h"
-#include "standin/image/pixel_storage.h"
 
 namespace {
 
@@ -43,12 +43,12 @@ class DarkImage {
   DarkImage& operator=(const DarkImage&) = delete;
 
   hostsdk::Bitmap& bitmap() { return *bitmap_; }
-  const float* channels() { return static_cast<standin::image::PixelStorage*>(bitmap_->Storage())->floats().data(); }
+  const float* channels() { return static_cast<hostkit::image::PixelStorage*>(bitmap_->Storage())->floats().data(); }
 
  private:
-  standin::image::ImageIo noFiles_{""};
-  standin::image::GammaManager gamma_;
-  standin::image::ImageBitmapManager manager_{noFiles_, gamma_, [](const std::string&) {}};
+  hostkit::image::ImageIo noFiles_{""};
+  hostkit::services::GammaManager gamma_;
+  hostkit::image::ImageBitmapManager manager_{noFiles_, gamma_, [](const std::string&) {}};
   hostsdk::Bitmap* bitmap_ = nullptr;
 };
 

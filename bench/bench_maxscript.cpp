@@ -11,12 +11,12 @@
 #include <string>
 
 #include "bench/report.h"
-#include "standin/maxscript/engine.h"
-#include "standin/maxscript/text.h"
+#include "hostkit/script/engine/engine.h"
+#include "hostkit/script/syntax/text.h"
 
 namespace {
 
-using namespace standin::maxscript;
+using namespace hostkit::script;
 
 struct Work {
   std::string name;
@@ -64,7 +64,7 @@ double ownTime(const Work& work) {
     const RunResult result = engine.runText(work.ours);
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
     if (!result.succeeded) {
-      std::cerr << toUtf8(result.errorText);
+      std::cerr << hostkit::services::toUtf8(result.errorText);
       std::exit(1);
     }
     best = std::min(best, taken.count());

@@ -3,20 +3,20 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "standin/maxscript/engine.h"
-#include "standin/maxscript/syntax/source.h"
+#include "hostkit/script/engine/engine.h"
+#include "hostkit/script/syntax/source.h"
 #include "support/fake_clock.h"
 
 namespace {
 
-class Host : public standin::maxscript::HostBindings {
-  std::optional<standin::maxscript::HostValue> get(std::u16string_view) override { return std::nullopt; }
+class Host : public hostkit::script::HostBindings {
+  std::optional<hostkit::script::HostValue> get(std::u16string_view) override { return std::nullopt; }
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace standin::maxscript;
+  using namespace hostkit::script;
   if (size == 0) return 0;
   support::FakeClock clock;  // on which sleep() passes at once
   const platform::ClockReplacement handMoved(clock);

@@ -2,11 +2,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "standin/maxscript/errors.h"
-#include "standin/maxscript/syntax/parser.h"
+#include "hostkit/script/syntax/errors.h"
+#include "hostkit/script/syntax/parser.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace standin::maxscript;
+  using namespace hostkit::script;
   const std::string bytes(data, data + size);
   const auto source = std::make_shared<const Source>(Source{u"fuzz.ms", decodeScript(bytes)});
   try {

@@ -10,15 +10,15 @@
 #include <filesystem>
 #include <fstream>
 
+#include "hostkit/image/image_io.h"
 #include "programs.h"
-#include "standin/image/image_io.h"
 #include "support/temporary_folder.h"
 
 namespace end_to_end {
 namespace {
 
 namespace fs = std::filesystem;
-using standin::image::DecodedImage;
+using hostkit::image::DecodedImage;
 
 constexpr double kTolerance = 0.02;
 constexpr double kLargestShare = 0.01;
@@ -54,8 +54,8 @@ double shareOfDifferences(const DecodedImage& golden, const DecodedImage& image,
 std::string keep(const DecodedImage& differences, const std::string& name) {
   const fs::path folder = fs::path(CORVANTIS_BIN_DIR) / "../differences";
   fs::create_directories(folder);
-  standin::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libstandin_imageio.so");
-  standin::image::EncodeRequest request;
+  hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  hostkit::image::EncodeRequest request;
   request.extension = "exr";
   request.width = differences.width;
   request.height = differences.height;

@@ -8,7 +8,7 @@
 namespace end_to_end {
 namespace {
 
-using standin::image::DecodedImage;
+using hostkit::image::DecodedImage;
 
 class Pictures : public testing::Test {
  protected:

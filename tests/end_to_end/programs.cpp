@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "standin/image/image_io.h"
+#include "hostkit/image/image_io.h"
 
 namespace end_to_end {
 namespace process = boost::process;
@@ -33,12 +33,12 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
   return finished;
 }
 
-standin::image::DecodedImage readImage(const std::string& path) {
-  static standin::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libstandin_imageio.so");
+hostkit::image::DecodedImage readImage(const std::string& path) {
+  static hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
   return io.decode(path);
 }
 
-Difference compare(const standin::image::DecodedImage& a, const standin::image::DecodedImage& b) {
+Difference compare(const hostkit::image::DecodedImage& a, const hostkit::image::DecodedImage& b) {
   if (a.width != b.width || a.height != b.height) throw std::runtime_error("images of different sizes");
   Difference difference;
   double sum = 0;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "standin/image/encoder.h"
+#include "hostkit/image/image_codec.h"
 
 namespace end_to_end {
 
@@ -18,12 +18,12 @@ struct Finished {
 Finished run(const std::string& program, const std::vector<std::string>& arguments, const std::string& logFolder = "");
 
 // Reads an image file back.
-standin::image::DecodedImage readImage(const std::string& path);
+hostkit::image::DecodedImage readImage(const std::string& path);
 
 // The largest difference of any channel, and the root mean square over all.
 struct Difference {
   double largest = 0, rms = 0;
 };
-Difference compare(const standin::image::DecodedImage& a, const standin::image::DecodedImage& b);
+Difference compare(const hostkit::image::DecodedImage& a, const hostkit::image::DecodedImage& b);
 
 }  // namespace end_to_end

@@ -1,0 +1,40 @@
+// The image module, loaded in the background.
+#pragma once
+
+#include <future>
+#include <string>
+#include <vector>
+
+#include "hostkit/image/image_codec.h"
+
+namespace hostkit::image {
+
+class ImageIo {
+ public:
+  // `modulePath` is native. Nothing is loaded yet.
+  explicit ImageIo(std::string modulePath);
+  // Waits for the loading to end.
+  ~ImageIo();
+  ImageIo(const ImageIo&) = delete;
+  ImageIo& operator=(const ImageIo&) = delete;
+
+  // Begins to load the module on a thread of its own and returns at once. Calls after the first do nothing.
+  void start();
+
+  // Each starts the module if need be and waits until it is there. std::runtime_error: the module cannot be loaded, or
+  // its own error text.
+  std::vector<unsigned char> encode(const EncodeRequest& request);
+  DecodedImage decode(const std::string& nativePath);
+
+  // The module beside the running program.
+  static std::string defaultModulePath();
+
+ private:
+  struct Module;
+  const Module& module();
+
+  std::string modulePath_;
+  std::shared_future<std::shared_ptr<Module>> loading_;
+};
+
+}  // namespace hostkit::image

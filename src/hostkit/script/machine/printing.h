@@ -1,0 +1,27 @@
+// Printed forms.
+#pragma once
+
+#include <string>
+
+#include "hostkit/script/machine/runtime.h"
+#include "hostsdk/script_value.h"
+
+namespace hostkit::script {
+
+// As the listener shows a value: strings in quotes, names with '#', arrays cut after 20 elements unless
+// runtime.printAllElements.
+std::u16string printed(Runtime& runtime, const Value& value);
+// What `as string` and format's % give: strings and names bare, the text of a string stream, the printed form of
+// everything else.
+std::u16string asText(Runtime& runtime, const Value& value);
+
+// %g with six digits; with ".0" when nothing shows that it is no whole number.
+std::u16string floatText(float value);
+// Bare %g, as inside points.
+std::u16string componentText(float value);
+std::u16string doubleText(double value);
+
+// The listener's text of a native error.
+std::u16string printedText(const hostsdk::MAXScriptException& error);
+
+}  // namespace hostkit::script

@@ -1,0 +1,58 @@
+// The scene's renderer: its identity, and rendering frames into the host's bitmaps.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "hostsdk/core_interface.h"
+#include "standin/host/live_scene.h"
+#include "standin/raytracer/renderer.h"
+
+namespace standin::host {
+
+// Which renderer a scene asks for: its class, and the requirements it answers yes to.
+class SceneRenderer : public hostsdk::Renderer {
+ public:
+  explicit SceneRenderer(const scene::RenderSettings& settings);
+  hostsdk::Class_ID ClassID() const override { return classId_; }
+  bool HasRequirement(int requirement) const override;
+
+ private:
+  hostsdk::Class_ID classId_;
+  std::vector<int> requirements_;
+};
+
+// Class identifiers of the renderers "A", "B" and "C" of the scene settings; "default" is the stand-in's own.
+inline constexpr hostsdk::Class_ID kRendererDefault{0x1c5a7e20, 0x3b94d6f1};
+inline constexpr hostsdk::Class_ID kRendererA{0x52ad1c02, 0x112d2fbc};
+inline constexpr hostsdk::Class_ID kRendererB{0x73bab286, 0x77f8fd0c};
+inline constexpr hostsdk::Class_ID kRendererC{0x58f67d6c, 0x4fcf3bc3};
+
+// The renderer while it is open.
+class OpenRenderer {
+ public:
+  // `live` is borrowed. A null camera means the view. std::runtime_error when the ray tracer cannot be set up.
+  OpenRenderer(LiveScene& live, hostsdk::INode* camera, hostsdk::ViewExp* view, int renderType, const ImageShape& shape,
+               hostsdk::Class_ID renderer);
+
+  // Renders into `bitmap` and the bitmaps of the enabled elements; false when aborted. std::runtime_error: the bitmap
+  // fits neither the image nor the region.
+  bool renderFrame(hostsdk::TimeValue time, hostsdk::Bitmap& bitmap, hostsdk::RendProgressCallback* progress,
+                   const hostsdk::ViewParams* view, const hostsdk::Rect* region);
+
+ private:
+  hostsdk::ViewParams ownView(hostsdk::TimeValue time) const;
+  void tellPreparation(hostsdk::RendProgressCallback& progress) const;
+
+  LiveScene& live_;
+  int cameraNode_;
+  const scene::ViewportSettings* viewport_;
+  int renderType_;
+  ImageShape shape_;
+  hostsdk::Class_ID class_;
+  raytracer::Renderer tracer_;
+};
+
+}  // namespace standin::host

@@ -1,0 +1,84 @@
+// standin-host: a headless host for the plug-in.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "hostkit/services/text.h"
+#include "platform/files.h"
+#include "standin/program/host_application.h"
+
+namespace {
+
+using hostkit::services::toUtf8;
+using hostkit::services::toWide;
+using standin::program::HostApplication;
+
+enum ExitCode { kSuccess = 0, kScriptFailed = 1, kUsage = 2 };
+
+struct Arguments {
+  std::string plugin, script, text;
+  std::vector<std::string> toCheck;
+};
+
+int check(const std::vector<std::string>& files) {
+  HostApplication host;
+  int exitCode = kSuccess;
+  for (const std::string& file : files)
+    for (const auto& problem : host.scripts().check(platform::windowsPath(file))) {
+      fmt::print("{}:{}:{}: {}\n", file, problem.line, problem.column, toUtf8(problem.text));
+      exitCode = kScriptFailed;
+    }
+  return exitCode;
+}
+
+int run(const Arguments& arguments, bool hasText) {
+  HostApplication host;
+  try {
+    host.loadPlugin(arguments.plugin.empty() ? hostkit::services::PluginLibrary::defaultPath() : arguments.plugin);
+  } catch (const std::exception& e) {
+    fmt::print(stderr, "standin-host: {}\n", e.what());
+    return kUsage;
+  }
+  const auto result = hasText ? host.scripts().runText(toWide(arguments.text))
+                              : host.scripts().runScriptFile(platform::windowsPath(arguments.script));
+  if (!result.succeeded) {
+    std::fflush(stdout);
+    fmt::print(stderr, "{}\n", toUtf8(result.errorText));
+  }
+  return result.succeeded && !result.isFalse ? kSuccess : kScriptFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Arguments arguments;
+  CLI::App app{"A headless host for the Corvantis plug-in: opens glTF scenes, ray-traces images and runs MAXScript.",
+               "standin-host"};
+  app.add_option("--plugin", arguments.plugin, "Plug-in library to load (default: the one beside this program)")
+      ->check(CLI::ExistingFile);
+  auto* text = app.add_option("--execute", arguments.text, "Script text to run instead of a file");
+  auto* files = app.add_option("--check", arguments.toCheck,
+                               "Parse scripts without running them; prints file:line:column: text for each error")
+                    ->check(CLI::ExistingFile);
+  auto* script = app.add_option("script", arguments.script, "Script file to run")->check(CLI::ExistingFile);
+  text->excludes(files)->excludes(script);
+  files->excludes(script);
+  app.footer(
+      "Exit codes: 0 the script ran and its value is not false, 1 it is false, or the script failed, 2 wrong usage\n"
+      "or a plug-in that cannot be loaded.");
+  try {
+    app.parse(argc, argv);
+    if (!*text && !*files && !*script) throw CLI::RequiredError("A script file, --execute or --check");
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e) == 0 ? kSuccess : kUsage;
+  }
+  try {
+    return *files ? check(arguments.toCheck) : run(arguments, static_cast<bool>(*text));
+  } catch (const std::exception& e) {
+    fmt::print(stderr, "standin-host: {}\n", e.what());
+    return kScriptFailed;
+  }
+}
