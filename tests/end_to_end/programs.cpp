@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "standin/image/image_io.h"
+#include "support/build_folders.h"
 
 namespace end_to_end {
 namespace process = boost::process;
@@ -22,7 +23,7 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
   process::environment environment = boost::this_process::environment();
   if (!logFolder.empty()) environment["TMP"] = logFolder;
   process::ipstream output, errors;
-  process::child child(process::exe = std::string(CORVANTIS_BIN_DIR) + "/" + program, process::args = arguments,
+  process::child child(process::exe = support::programFolder() + "/" + program, process::args = arguments,
                        process::std_in<process::null, process::std_out> output, process::std_err > errors, environment);
   auto errorText = std::async(std::launch::async, [&] { return readAll(errors); });
   Finished finished;
@@ -34,7 +35,7 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
 }
 
 standin::image::DecodedImage readImage(const std::string& path) {
-  static standin::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libstandin_imageio.so");
+  static standin::image::ImageIo io(support::programFolder() + "/libstandin_imageio.so");
   return io.decode(path);
 }
 

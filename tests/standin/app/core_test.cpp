@@ -5,6 +5,7 @@
 #include <map>
 
 #include "standin/image/bitmap_manager.h"
+#include "support/build_folders.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
 
@@ -38,7 +39,7 @@ class CoreTest : public testing::Test {
   support::TemporaryFolder folder_;
   std::vector<std::string> log_, listener_, events_;
   image::GammaManager gamma_;
-  image::ImageIo io_{std::string(CORVANTIS_BIN_DIR) + "/libstandin_imageio.so"};
+  image::ImageIo io_{support::programFolder() + "/libstandin_imageio.so"};
   image::ImageBitmapManager manager_{io_, gamma_, [](const std::string&) {}};
   PathConfiguration paths_{[](const std::string&) {}};
   Core core_{paths_, [this](const std::string& line) { log_.push_back(line); },

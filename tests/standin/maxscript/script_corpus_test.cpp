@@ -16,6 +16,7 @@
 #include "platform/files.h"
 #include "standin/maxscript/engine.h"
 #include "standin/maxscript/text.h"
+#include "support/build_folders.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -26,7 +27,8 @@ using standin::maxscript::fromUtf8;
 using standin::maxscript::RunResult;
 using standin::maxscript::toUtf8;
 
-const std::filesystem::path kScripts = std::filesystem::path(CORVANTIS_SOURCE_DIR) / "tests/standin/maxscript/scripts";
+const std::filesystem::path kScripts =
+    std::filesystem::path(support::sourceFolder()) / "tests/standin/maxscript/scripts";
 
 struct Expectation {
   std::string output, error, value;
