@@ -9,10 +9,15 @@ target_compile_options(corvantis_options INTERFACE -Wall -Wextra -Wpedantic -Wsh
                        -Woverloaded-virtual -Wno-unused-command-line-argument)
 # Crash descriptions walk the chain of frame pointers.
 target_compile_options(corvantis_options INTERFACE -fno-omit-frame-pointer)
+if(NOT WIN32)
+  # Programs too, so that they can share the precompiled headers of libraries.
+  target_compile_options(corvantis_options INTERFACE -fPIC)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # GCC 12 warns of overlaps that are not there wherever a literal is joined with a string; clang-tidy, which
-  # reads these options too, does not know the warning.
-  target_compile_options(corvantis_options INTERFACE -Wno-unknown-warning-option -Wno-restrict)
+  # GCC 12 warns of overlaps and overflows that are not there wherever a literal is joined with a string; clang-tidy,
+  # which reads these options too, does not know the first warning.
+  target_compile_options(corvantis_options INTERFACE -Wno-unknown-warning-option -Wno-restrict -Wno-stringop-overflow
+                         -Wno-array-bounds)
 endif()
 if(CORVANTIS_WERROR)
   target_compile_options(corvantis_options INTERFACE -Werror)
@@ -25,6 +30,10 @@ if(CORVANTIS_SANITIZE)
     target_compile_options(corvantis_options INTERFACE -Wno-tsan)  # Boost.Asio fences, which the thread sanitizer does not follow
   endif()
 endif()
+
+# Sources of the tests are compiled quickly rather than well.
+add_library(corvantis_test_options INTERFACE)
+target_compile_options(corvantis_test_options INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:-O1>)
 
 # Makes the include folder of a target: <build>/include/<target>/<folder> links to src/<folder>.
 function(corvantis_expose target folder scope)
@@ -47,10 +56,11 @@ function(corvantis_expose_tests target folder)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
-# corvantis_library(NAME FOLDER path-below-src SOURCES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
-# DEPENDS are passed on to whoever links the target (their headers appear in ours), PRIVATE_DEPENDS are not.
+# corvantis_library(NAME FOLDER path-below-src SOURCES ... [UNCACHED ...] [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# DEPENDS are passed on to whoever links the target (their headers appear in ours), PRIVATE_DEPENDS are not. UNCACHED
+# sources tell when they were compiled: no compiler cache may answer for them.
 function(corvantis_library name)
-  cmake_parse_arguments(ARG "SHARED;MODULE;OBJECT" "FOLDER" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "SHARED;MODULE;OBJECT" "FOLDER" "SOURCES;UNCACHED;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
   set(kind STATIC)
   foreach(k SHARED MODULE OBJECT)
     if(ARG_${k})
@@ -58,6 +68,14 @@ function(corvantis_library name)
     endif()
   endforeach()
   add_library(${name} ${kind} ${ARG_SOURCES})
+  target_precompile_headers(${name} REUSE_FROM precompiled)
+  if(ARG_UNCACHED)
+    add_library(${name}_uncached OBJECT ${ARG_UNCACHED})
+    set_target_properties(${name}_uncached PROPERTIES CXX_COMPILER_LAUNCHER "")
+    corvantis_expose(${name}_uncached ${ARG_FOLDER} PRIVATE)
+    target_link_libraries(${name}_uncached PRIVATE corvantis_options)
+    target_sources(${name} PRIVATE $<TARGET_OBJECTS:${name}_uncached>)
+  endif()
   if(WIN32)
     set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "")
     if(NOT MSVC AND CMAKE_BUILD_TYPE STREQUAL "Release")
@@ -101,11 +119,12 @@ endfunction()
 function(corvantis_program name)
   cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  target_precompile_headers(${name} REUSE_FROM precompiled)
   corvantis_expose(${name} ${ARG_FOLDER} PRIVATE)
   target_link_libraries(${name} PRIVATE corvantis_options ${ARG_DEPENDS})
 endfunction()
 
-# corvantis_test(NAME SOURCES ... DEPENDS ... [DATA_DIR dir]): one test program a folder, every case a CTest test.
+# corvantis_test(NAME SOURCES ... DEPENDS ... [ENVIRONMENT NAME=value...]): one test program a folder, every case a CTest test.
 # Every *_test.cpp of the folder must be listed: a test that is not wired in is an error.
 function(corvantis_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;ENVIRONMENT" ${ARGN})
@@ -119,8 +138,8 @@ function(corvantis_test name)
   if(NOT WIN32)  # where a program finds its DLLs beside itself only
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   endif()
-  target_compile_definitions(${name} PRIVATE CORVANTIS_SOURCE_DIR="${CMAKE_SOURCE_DIR}" CORVANTIS_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
-  target_link_libraries(${name} PRIVATE corvantis_options test_support GTest::gmock GTest::gtest_main ${ARG_DEPENDS})
+  target_precompile_headers(${name} REUSE_FROM precompiled_tests)
+  target_link_libraries(${name} PRIVATE corvantis_options corvantis_test_options test_support GTest::gmock GTest::gtest_main ${ARG_DEPENDS})
   if(CMAKE_CROSSCOMPILING)  # starting a program costs more than most of its cases
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
     return()

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "programs.h"
+#include "support/build_folders.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
 
@@ -46,7 +47,7 @@ std::vector<std::string> promised(const std::string& script, const std::string& 
 class TessarynUtilPage : public testing::Test {
  protected:
   TessarynUtilPage() {
-    std::ifstream page(std::string(CORVANTIS_SOURCE_DIR) + "/docs/tessaryn-util.md");
+    std::ifstream page(support::sourceFolder() + "/docs/tessaryn-util.md");
     for (const Block& block : blocksOf(page)) {
       if (block.language == "json") job_ = block.text;
       if (block.language != "maxscript") continue;

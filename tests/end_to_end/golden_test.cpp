@@ -12,6 +12,7 @@
 
 #include "hostkit/image/image_io.h"
 #include "programs.h"
+#include "support/build_folders.h"
 #include "support/temporary_folder.h"
 
 namespace end_to_end {
@@ -27,7 +28,7 @@ const char* const kPictures[] = {"beauty", "depth", "normal", "albedo", "object_
 
 // Renders frame 7 of the example scene, small, all elements, into `folder`.
 Finished renderExample(const support::TemporaryFolder& folder) {
-  const std::string scene = std::string(CORVANTIS_SOURCE_DIR) + "/examples/orrery.gltf";
+  const std::string scene = support::sourceFolder() + "/examples/orrery.gltf";
   folder.write("small.ms", "renderWidth = 96\nrenderHeight = 54\nrenderers.current.samples = 4\ntrue\n");
   const std::string job = folder.write("job.json", R"({"scene":")" + scene + R"(","camera":"Camera01","frames":"7",
     "output":"beauty.exr","preJobScripts":["small.ms"],"settings":["RemovePadding"],
@@ -52,9 +53,9 @@ double shareOfDifferences(const DecodedImage& golden, const DecodedImage& image,
 
 // Keeps the difference where whoever looks at the failure finds it.
 std::string keep(const DecodedImage& differences, const std::string& name) {
-  const fs::path folder = fs::path(CORVANTIS_BIN_DIR) / "../differences";
+  const fs::path folder = fs::path(support::programFolder()) / "../differences";
   fs::create_directories(folder);
-  hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  hostkit::image::ImageIo io(support::programFolder() + "/libimage_codec.so");
   hostkit::image::EncodeRequest request;
   request.extension = "exr";
   request.width = differences.width;
@@ -74,7 +75,7 @@ TEST(GoldenPictures, TheExampleSceneLooksAsItDid) {
   const bool update = std::getenv("CORVANTIS_UPDATE_GOLDEN") != nullptr;
   for (const std::string name : kPictures) {
     SCOPED_TRACE(name);
-    const std::string goldenPath = std::string(CORVANTIS_SOURCE_DIR) + "/tests/end_to_end/golden/" + name + ".exr";
+    const std::string goldenPath = support::sourceFolder() + "/tests/end_to_end/golden/" + name + ".exr";
     if (update) {
       fs::copy_file(folder.path(name + ".exr"), goldenPath, fs::copy_options::overwrite_existing);
       continue;

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "hostkit/image/image_io.h"
+#include "support/build_folders.h"
 
 namespace end_to_end {
 namespace process = boost::process;
@@ -22,7 +23,7 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
   process::environment environment = boost::this_process::environment();
   if (!logFolder.empty()) environment["TMP"] = logFolder;
   process::ipstream output, errors;
-  process::child child(process::exe = std::string(CORVANTIS_BIN_DIR) + "/" + program, process::args = arguments,
+  process::child child(process::exe = support::programFolder() + "/" + program, process::args = arguments,
                        process::std_in<process::null, process::std_out> output, process::std_err > errors, environment);
   auto errorText = std::async(std::launch::async, [&] { return readAll(errors); });
   Finished finished;
@@ -34,7 +35,7 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
 }
 
 hostkit::image::DecodedImage readImage(const std::string& path) {
-  static hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  static hostkit::image::ImageIo io(support::programFolder() + "/libimage_codec.so");
   return io.decode(path);
 }
 

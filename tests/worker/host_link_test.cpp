@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/build_folders.h"
 #include "worker/console.h"
 
 namespace worker {
@@ -46,7 +47,7 @@ TEST(HostLink, TokensDiffer) {
 }
 
 TEST(HostLink, SaysHowTheHostWasLost) {
-  const std::string misbehaving = MISBEHAVING_HOST;
+  const std::string misbehaving = support::testProgramFolder() + "/misbehaving_host";
   const struct {
     const char* name;
     std::vector<std::string> command;

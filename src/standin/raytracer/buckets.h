@@ -1,4 +1,4 @@
-// The squares that an image is worked off in.
+// The squares that an image is rendered in.
 #pragma once
 
 #include <cstdint>

@@ -14,7 +14,7 @@
 
 namespace standin::raytracer {
 
-// The order in which an image is worked off.
+// The order in which the squares of an image are rendered.
 enum class BucketOrder { rows, fromCentre };
 
 struct RendererOptions {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "hostkit/image/bitmap_manager.h"
+#include "support/build_folders.h"
 #include "support/temporary_folder.h"
 
 namespace hostkit::image {
@@ -24,7 +25,7 @@ using BitmapOwner = std::unique_ptr<hostsdk::Bitmap, Release>;
 
 // One module for all cases: loading it takes half a second.
 ImageIo& sharedIo() {
-  static ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  static ImageIo io(support::programFolder() + "/libimage_codec.so");
   return io;
 }
 

@@ -16,6 +16,7 @@
 #include "hostkit/script/engine/engine.h"
 #include "hostkit/script/syntax/text.h"
 #include "platform/files.h"
+#include "support/build_folders.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -26,7 +27,7 @@ using hostkit::script::fromUtf8;
 using hostkit::script::RunResult;
 using hostkit::script::toUtf8;
 
-const std::filesystem::path kScripts = std::filesystem::path(CORVANTIS_SOURCE_DIR) / "tests/hostkit/script/scripts";
+const std::filesystem::path kScripts = std::filesystem::path(support::sourceFolder()) / "tests/hostkit/script/scripts";
 
 struct Expectation {
   std::string output, error, value;

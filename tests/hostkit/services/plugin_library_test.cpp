@@ -4,10 +4,12 @@
 
 #include <stdexcept>
 
+#include "support/build_folders.h"
+
 namespace hostkit::services {
 namespace {
 
-std::string plugin(const std::string& name) { return std::string(TEST_PLUGINS) + "/" + name; }
+std::string plugin(const std::string& name) { return support::testProgramFolder() + "/" + name; }
 
 TEST(PluginLibrary, TakesAPluginOfItsOwnVersion) {
   const PluginLibrary library(plugin("test_plugin_good.so"));

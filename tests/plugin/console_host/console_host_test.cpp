@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "support/build_folders.h"
 #include "support/environment.h"
 #include "support/scripted_peer.h"
 #include "support/temporary_folder.h"
@@ -38,8 +39,9 @@ class ConsoleHost : public testing::Test {
   // Runs the host against the peer until both are done.
   Ended converse(const std::vector<std::string>& options = {}) {
     std::vector<std::string> words;
-    boost::split(words, given("CORVANTIS_CONSOLE_HOST", CORVANTIS_BIN_DIR "/console-host"), boost::is_any_of(" "));
-    words.push_back(given("CORVANTIS_CONSOLE_PLUGIN", CORVANTIS_BIN_DIR "/libcorvantis.so"));
+    boost::split(words, given("CORVANTIS_CONSOLE_HOST", support::programFolder() + "/console-host"),
+                 boost::is_any_of(" "));
+    words.push_back(given("CORVANTIS_CONSOLE_PLUGIN", support::programFolder() + "/libcorvantis.so"));
     words.insert(words.end(), {std::to_string(peer.port()), kToken});
     words.insert(words.end(), options.begin(), options.end());
     peer.start();

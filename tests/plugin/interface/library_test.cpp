@@ -10,6 +10,7 @@
 
 #include "hostsdk/function_publishing.h"
 #include "platform/files.h"
+#include "support/build_folders.h"
 #include "support/environment.h"
 #include "support/platform_kind.h"
 #include "support/temporary_folder.h"
@@ -17,8 +18,7 @@
 namespace corvantis {
 namespace {
 
-const std::string kLibrary =
-    std::string(CORVANTIS_BIN_DIR) + (support::kIsWindows ? "/corvantis.dll" : "/libcorvantis.so");
+const std::string kLibrary = support::programFolder() + (support::kIsWindows ? "/corvantis.dll" : "/libcorvantis.so");
 
 TEST(Library, TellsWhatItIsAndPublishesItselfWhileLoaded) {
   const std::size_t before = hostsdk::registeredInterfaces().size();

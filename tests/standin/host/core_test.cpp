@@ -5,6 +5,7 @@
 #include <map>
 
 #include "hostkit/image/bitmap_manager.h"
+#include "support/build_folders.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
 
@@ -38,7 +39,7 @@ class CoreTest : public testing::Test {
   support::TemporaryFolder folder_;
   std::vector<std::string> log_, listener_, events_;
   hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageIo io_{std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so"};
+  hostkit::image::ImageIo io_{support::programFolder() + "/libimage_codec.so"};
   hostkit::image::ImageBitmapManager manager_{io_, gamma_, [](const std::string&) {}};
   hostkit::services::PathConfiguration paths_{[](const std::string&) {}};
   Core core_{paths_, [this](const std::string& line) { log_.push_back(line); },

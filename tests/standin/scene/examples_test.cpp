@@ -6,6 +6,7 @@
 
 #include "standin/scene/animation.h"
 #include "standin/scene/loader.h"
+#include "support/build_folders.h"
 
 namespace standin::scene::test {
 namespace {
@@ -13,7 +14,7 @@ namespace {
 using ::testing::IsEmpty;
 
 Scene example(const std::string& name) {
-  const std::string path = std::string(CORVANTIS_SOURCE_DIR) + "/examples/" + name;
+  const std::string path = support::sourceFolder() + "/examples/" + name;
   EXPECT_TRUE(looksLikeScene(path));
   Scene scene = loadScene({path, {}, {}, {}});
   EXPECT_THAT(scene.warnings, IsEmpty());

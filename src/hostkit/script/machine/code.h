@@ -45,7 +45,7 @@ struct CodeObject : Object {
   struct Position {
     std::uint32_t source = 0, offset = 0;
   };
-  std::vector<Position> positions;  // one an instruction
+  std::vector<Position> positions;  // parallel to the instructions
   std::vector<std::shared_ptr<const Source>> sources;
   std::vector<Value> constants;  // literals, names, globals, nested code
   std::vector<std::vector<NameObject*>> keywordLists;

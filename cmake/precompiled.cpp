@@ -1,0 +1,1 @@
+// Nothing: a target that exists for its precompiled header must have a source.
