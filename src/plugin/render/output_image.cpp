@@ -1,4 +1,4 @@
-#include "plugin/render/output_naming.h"
+#include "plugin/render/output_image.h"
 
 #include <cstdlib>
 #include <stdexcept>

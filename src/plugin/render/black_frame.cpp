@@ -1,4 +1,4 @@
-#include "plugin/job/black_frame.h"
+#include "plugin/render/black_frame.h"
 
 #include <algorithm>
 #include <array>
