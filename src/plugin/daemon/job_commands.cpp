@@ -4,11 +4,11 @@
 
 #include "platform/clock.h"
 #include "plugin/daemon/reply.h"
-#include "plugin/daemon/scene_path.h"
 #include "plugin/job/end_job.h"
 #include "plugin/job/start_job.h"
 #include "plugin/render/render_frame.h"
 #include "plugin/util/log_file.h"
+#include "plugin/util/paths.h"
 #include "plugin/util/text.h"
 
 namespace corvantis {
