@@ -22,8 +22,8 @@ void replyNotANumber(const CommandCall& call, const char16_t* what) {
                              u"\", is not a valid " + what + u" number.");
 }
 
-std::string faultReport(const JobState& jobState, const std::string& sehText) {
-  return "ERROR: " + sehText + "\n" + jobState.crashDescription;
+std::string faultReport(const JobState& jobState, const TrapOutcome& outcome) {
+  return "ERROR: " + faultText(jobState, outcome);
 }
 
 void replyRenderError(const CommandCall& call, const std::string& report) {
@@ -32,15 +32,14 @@ void replyRenderError(const CommandCall& call, const std::string& report) {
 }
 
 std::uint16_t renderAndReport(const CommandCall& call, std::int32_t frame) {
-  std::uint16_t status = kNotRendered;
-  std::string sehText;
+  Trapped<std::uint16_t> outcome{{}, kNotRendered};
   try {
-    status = trappedRenderFrame(call.jobState, frame, call.socket, sehText);
+    outcome = trappedRenderFrame(call.jobState, frame, call.socket);
   } catch (const std::exception& error) {
     replyRenderError(call, std::string("ERROR: ") + error.what());
   }
-  if (!sehText.empty()) replyRenderError(call, faultReport(call.jobState, sehText));
-  return status;
+  if (outcome.faulted()) replyRenderError(call, faultReport(call.jobState, outcome));
+  return outcome.value;
 }
 
 void replyJobError(const CommandCall& call, const std::string& report) {
@@ -74,26 +73,26 @@ void currentTask(const CommandCall& call) {
 }
 
 void startJob(const CommandCall& call) {
-  std::string sehText;
+  Trapped<void> outcome;
   try {
     noteScenePath(call.jobState, call.parameters[0]);
-    trappedStartJob(call.jobState, call.parameters[0], call.parameters[1], sehText);
+    outcome = trappedStartJob(call.jobState, call.parameters[0], call.parameters[1]);
   } catch (const std::exception& error) {
     replyJobError(call, std::string("ERROR: ") + error.what());
   }
-  if (!sehText.empty()) replyJobError(call, faultReport(call.jobState, sehText));
+  if (outcome.faulted()) replyJobError(call, faultReport(call.jobState, outcome));
   log_file << "Sending success" << LogFile::endl;
   sendReply(call.socket, std::u16string(u"SUCCESS Scene loaded successfully"));
 }
 
 void endJob(const CommandCall& call) {
-  std::string sehText;
+  Trapped<void> outcome;
   try {
-    trappedEndJob(call.jobState, sehText);
+    outcome = trappedEndJob(call.jobState);
   } catch (const std::exception& error) {
     replyJobError(call, std::string("ERROR: ") + error.what());
   }
-  if (!sehText.empty()) replyJobError(call, faultReport(call.jobState, sehText));
+  if (outcome.faulted()) replyJobError(call, faultReport(call.jobState, outcome));
   sendReply(call.socket, std::u16string(u"SUCCESS"));
 }
 

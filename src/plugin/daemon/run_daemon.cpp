@@ -73,9 +73,9 @@ void runDaemon(JobState& jobState, win32::simple_socket& socket, std::int32_t po
   }
 }
 
-bool runDaemonTrapped(JobState& jobState, win32::simple_socket& socket, std::int32_t portNumber,
-                      const std::u16string& token, std::string& sehText) {
-  return trappedCall(jobState, "SEH Exception trapped in 3ds max: ", sehText, false, [&] {
+Trapped<bool> runDaemonTrapped(JobState& jobState, win32::simple_socket& socket, std::int32_t portNumber,
+                               const std::u16string& token) {
+  return trappedCall(jobState, "SEH Exception trapped in 3ds max: ", false, [&] {
     runDaemon(jobState, socket, portNumber, token);
     log_file << "Returning TRUE" << LogFile::endl;
     return true;
@@ -125,16 +125,15 @@ bool RunCorvantisDaemon(JobState& jobState, win32::simple_socket& socket, bool& 
   if (daemonRunning) return refuseSecondRun();
   const RunningFlag running(daemonRunning);
   log_file << "running daemon..." << LogFile::endl;
-  bool result = false;
-  std::string sehText;
+  Trapped<bool> outcome;
   try {
-    result = runDaemonTrapped(jobState, socket, portNumber, token, sehText);
+    outcome = runDaemonTrapped(jobState, socket, portNumber, token);
   } catch (...) {
     reportException(socket);
   }
-  if (!sehText.empty())
-    report(socket, "SEH exception caught", "ERROR: SEH exception: " + sehText + "\n" + jobState.crashDescription);
-  return result;
+  if (outcome.faulted())
+    report(socket, "SEH exception caught", "ERROR: SEH exception: " + faultText(jobState, outcome));
+  return outcome.value;
 }
 
 }  // namespace corvantis

@@ -18,40 +18,32 @@ bool reportFailure(const std::u16string& kind, const std::string& text) {
   return false;
 }
 
-// Runs a trapped call that gives whether it succeeded; reports a fault or a standard exception.
+// Whether a trapped call came through; reports a fault or a standard exception.
 template <class TrappedCall>
 bool runReported(TrappedCall&& trappedCall) {
   std::string sehText;
-  bool succeeded = false;
   try {
-    succeeded = trappedCall(sehText);
+    sehText = trappedCall().sehText;
   } catch (const std::exception& error) {
     return reportFailure(u"Exception: ", error.what());
   }
-  return sehText.empty() ? succeeded : reportFailure(u"SEH Exception: ", sehText);
+  return sehText.empty() || reportFailure(u"SEH Exception: ", sehText);
 }
 
 }  // namespace
 
 bool CorvantisInterface::Debug_StartJob(const std::u16string& fileName, const std::u16string& cameraName) {
-  return runReported([&](std::string& sehText) {
-    trappedStartJob(jobState_, fileName, cameraName, sehText);
-    return true;
-  });
+  return runReported([&] { return trappedStartJob(jobState_, fileName, cameraName); });
 }
 
 bool CorvantisInterface::Debug_EndJob() {
-  return runReported([&](std::string& sehText) {
-    trappedEndJob(jobState_, sehText);
-    return true;
-  });
+  return runReported([&] { return trappedEndJob(jobState_); });
 }
 
 bool CorvantisInterface::Debug_RenderFrame(std::int32_t frameIndex) {
-  return runReported([&](std::string& sehText) {
+  return runReported([&] {
     win32::simple_socket unconnected;
-    constexpr std::uint16_t rendered = 0;
-    return trappedRenderFrame(jobState_, frameIndex, unconnected, sehText) == rendered;
+    return trappedRenderFrame(jobState_, frameIndex, unconnected);
   });
 }
 

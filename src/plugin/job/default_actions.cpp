@@ -24,7 +24,7 @@ struct MissingKind {
 
 constexpr std::uint32_t kIgnore = kActionLog;
 
-// The order in which every operation visits the kinds. A missing external scene is also recorded, so that the load can
+// The order in which every operation visits the kinds. The spelling "cooridinate" belongs to the texts of the system. A missing external scene is also recorded, so that the load can
 // be failed with the host's own text.
 constexpr MissingKind kKinds[] = {
     {hostsdk::kTypeMissingExternalFiles, &JobSettings::ignoreMissingExternalFiles, kActionLog | kActionFail,

@@ -18,6 +18,20 @@ std::int32_t numberInName(const JobSettings& settings, std::int32_t frame) {
 
 }  // namespace
 
+void prepareOutputInfo(const JobState& job, hostsdk::BitmapInfo& info) {
+  const bool wantsFloat = rendererHasRequirement(job, hostsdk::kRequirementFloatOutput);
+  info.SetType(wantsFloat ? hostsdk::kBitmapRealPixFloat32 : hostsdk::kBitmapTrueColor64);
+  info.SetFlags(hostsdk::kMapHasAlpha);
+  info.SetWidth(static_cast<std::uint16_t>(job.hostCore.v8->RenderWidth()));
+  info.SetHeight(static_cast<std::uint16_t>(job.hostCore.v8->RenderHeight()));
+  info.SetAspect(job.hostCore.v8->RenderPixelAspect());
+}
+
+bool rendererHasRequirement(const JobState& job, int requirement) {
+  const hostsdk::Renderer* renderer = job.hostCore.v8->CurrentRenderer(true);
+  return renderer != nullptr && renderer->HasRequirement(requirement);
+}
+
 std::u16string frameOutputName(const JobSettings& settings, const std::u16string& base, std::int32_t frame) {
   std::u16string name = settings.removePadding ? base : make_numbered_name(base, numberInName(settings, frame));
   if (name.size() > kLongestName) {
@@ -30,6 +44,14 @@ std::u16string frameOutputName(const JobSettings& settings, const std::u16string
 std::u16string temporaryOutputName() {
   return ensure_trailing_backslash(platform::commonApplicationDataFolder()) +
          u"Halvquin\\tessaryn\\temp\\temp_filename" + to_wstring(std::rand()) + u".bmp";
+}
+
+OwnedBitmap createBitmap(const hostsdk::BitmapInfo& info, const char* what) {
+  OwnedBitmap bitmap(hostsdk::TheManager()->Create(info));
+  if (!bitmap) {
+    throw std::runtime_error(std::string("Failed to allocate ") + what + ": TheManager->Create() return NULL");
+  }
+  return bitmap;
 }
 
 }  // namespace corvantis

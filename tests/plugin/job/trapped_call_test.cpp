@@ -22,27 +22,27 @@ using testing::StartsWith;
 class TrappedCall : public testing::Test {
  protected:
   JobState job_;
-  std::string sehText_ = "left from before";
 };
 
 TEST_F(TrappedCall, ReturnsWhatTheWorkReturns) {
-  EXPECT_EQ(trappedCall(job_, "Trapped: ", sehText_, 0, [] { return 42; }), 42);
-  EXPECT_EQ(sehText_, "");
+  const Trapped<int> outcome = trappedCall(job_, "Trapped: ", 0, [] { return 42; });
+  EXPECT_EQ(outcome.value, 42);
+  EXPECT_EQ(outcome.sehText, "");
+  EXPECT_NO_THROW(throwIfFaulted(job_, outcome));
   EXPECT_EQ(job_.crashDescription, "No message");
 }
 
 TEST_F(TrappedCall, FaultBecomesAnErrorTextAndADescription) {
-  const int result = trappedCall(job_, "Trapped SEH Exception in StartJob(): ", sehText_, 7,
-                                 [] { return support::divideIntegerByZero(); });
-  EXPECT_EQ(result, 7);
-  EXPECT_EQ(sehText_, "Trapped SEH Exception in StartJob(): Integer Divide By Zero");
+  const Trapped<int> outcome =
+      trappedCall(job_, "Trapped SEH Exception in StartJob(): ", 7, [] { return support::divideIntegerByZero(); });
+  EXPECT_EQ(outcome.value, 7);
+  EXPECT_EQ(outcome.sehText, "Trapped SEH Exception in StartJob(): Integer Divide By Zero");
   EXPECT_THAT(job_.crashDescription,
               AllOf(StartsWith("Process:  "), HasSubstr("\nException Code:  C0000094"), Not(HasSubstr(" Address:"))));
 }
 
 TEST_F(TrappedCall, DescribesTheRealCallStack) {
-  trappedCall(job_, "", sehText_, [] { support::writeToNull(); });
-  EXPECT_EQ(sehText_, "Access Violation");
+  EXPECT_EQ(trappedCall(job_, "", [] { support::writeToNull(); }).sehText, "Access Violation");
   EXPECT_THAT(job_.crashDescription, HasSubstr("\nWrite Address:  00000000"));
   EXPECT_THAT(job_.crashDescription, HasSubstr("  Exception Offset\n"));
   std::size_t frames = 0;
@@ -53,36 +53,34 @@ TEST_F(TrappedCall, DescribesTheRealCallStack) {
 }
 
 TEST_F(TrappedCall, WorksAgainAfterAFaultAndKeepsTheDescription) {
-  trappedCall(job_, "First: ", sehText_, [] { support::readFromNull(); });
+  trappedCall(job_, "First: ", [] { support::readFromNull(); });
   const std::string description = job_.crashDescription;
-  trappedCall(job_, "Second: ", sehText_, [] {});
-  EXPECT_EQ(sehText_, "");
+  EXPECT_FALSE(trappedCall(job_, "Second: ", [] {}).faulted());
   EXPECT_EQ(job_.crashDescription, description);
-  trappedCall(job_, "Third: ", sehText_, [] { support::executeIllegalInstruction(); });
-  EXPECT_EQ(sehText_, "Third: Illegal Instruction");
+  EXPECT_EQ(trappedCall(job_, "Third: ", [] { support::executeIllegalInstruction(); }).sehText,
+            "Third: Illegal Instruction");
   EXPECT_NE(job_.crashDescription, description);
 }
 
 TEST_F(TrappedCall, InnermostCallTakesTheFault) {
   std::string innerText;
   bool wentOn = false;
-  trappedCall(job_, "Outer: ", sehText_, [&] {
-    trappedCall(job_, "Inner: ", innerText, [] { support::readFromNull(); });
+  const Trapped<void> outer = trappedCall(job_, "Outer: ", [&] {
+    innerText = trappedCall(job_, "Inner: ", [] { support::readFromNull(); }).sehText;
     wentOn = true;
   });
   EXPECT_EQ(innerText, "Inner: Access Violation");
-  EXPECT_EQ(sehText_, "");
+  EXPECT_FALSE(outer.faulted());
   EXPECT_TRUE(wentOn);
 }
 
 TEST_F(TrappedCall, ThrownExceptionPassesAndLeavesADescription) {
   try {
-    trappedCall(job_, "Trapped: ", sehText_, [] { throw std::runtime_error("Failed to load scene"); });
+    trappedCall(job_, "Trapped: ", [] { throw std::runtime_error("Failed to load scene"); });
     FAIL() << "the exception did not arrive";
   } catch (const std::runtime_error& error) {
     EXPECT_STREQ(error.what(), "Failed to load scene");
   }
-  EXPECT_EQ(sehText_, "");
   EXPECT_THAT(job_.crashDescription, AllOf(StartsWith("Process:  "), HasSubstr("\nException Code:  E06D7363")));
 }
 
@@ -95,19 +93,17 @@ bool acceptAll(void* code, const platform::FaultContext& context) {
 TEST_F(TrappedCall, FloatUnderflowGoesOnOutward) {
   struct Work {
     JobState& job;
-    std::string& sehText;
     bool returned = false;
     static void run(void* argument) {
       auto& self = *static_cast<Work*>(argument);
-      trappedCall(self.job, "Trapped: ", self.sehText, 0.0, support::underflowFloat);
+      trappedCall(self.job, "Trapped: ", 0.0, support::underflowFloat);
       self.returned = true;
     }
-  } work{job_, sehText_};
+  } work{job_};
   std::uint32_t seen = 0;
   EXPECT_EQ(platform::runGuarded(&Work::run, &work, &acceptAll, &seen), platform::fault::kFloatUnderflow);
   EXPECT_EQ(seen, platform::fault::kFloatUnderflow);
   EXPECT_FALSE(work.returned);
-  EXPECT_EQ(sehText_, "");
   EXPECT_THAT(job_.crashDescription, HasSubstr("\nException Code:  C0000093"));
 }
 

@@ -70,12 +70,11 @@ class BlackFrame : public support::JobFixture {
 };
 
 TEST_F(BlackFrame, JudgesEachChannelAgainstTheThreshold) {
-  struct Case {
+  const struct {
     float threshold;
     ColorFloat pixel;
     bool black;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0.1F, {0.05F, 0.05F, 0.05F, 1.0F}, true},  {0.1F, {0.05F, 0.05F, 0.05F, 0.0F}, true},
       {0.1F, {0.05F, 0.05F, 0.05F, 0.5F}, false}, {0.1F, {0.05F, 0.2F, 0.05F, 1.0F}, false},
       {0.1F, {0.2F, 0.05F, 0.05F, 1.0F}, false},  {0.1F, {0.05F, 0.05F, 0.2F, 1.0F}, false},
@@ -90,41 +89,33 @@ TEST_F(BlackFrame, JudgesEachChannelAgainstTheThreshold) {
       {0.1F, {0.0F, kNaN, 0.0F, 1.0F}, false},    {0.1F, {0.0F, 0.0F, kNaN, 1.0F}, false},
       {0.1F, {0.0F, 0.0F, 0.0F, kNaN}, false},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     EXPECT_EQ(black(c.pixel, c.threshold), c.black)
         << c.pixel.r << " " << c.pixel.g << " " << c.pixel.b << " " << c.pixel.a << " at " << c.threshold;
   }
 }
 
-TEST_F(BlackFrame, ReportsAPassInThreeLines) {
-  job.settings.blackPixelPercentage = 20;
-  job.settings.blackPixelThreshold = 0.1F;
-  ComputedBitmap bitmap(40, 25, [](int x, int y) { return y * 40 + x < 199 ? kBlack : kWhite; });
-  EXPECT_EQ(check(bitmap), "");
-  EXPECT_THAT(log.unsentLines(), ElementsAre("  blackPixelPercentage = 20%", "  blackPixelThreshold = 0.1",
-                                             "199 of 1000 pixels are considered black (19%)"));
-}
-
-TEST_F(BlackFrame, ReportsAFailureInFour) {
-  job.settings.blackPixelPercentage = 50;
+TEST_F(BlackFrame, ReportsAPassInThreeLinesAndAFailureInFour) {
+  const struct {
+    int black, percent, minimum;  // pixels of 1000
+    const char* error;
+  } cases[] = {{199, 19, 20, ""},
+               {499, 49, 50, ""},
+               {500, 50, 50, "50% of the output image is black, which equals or exceeds the minimum of 50%"},
+               {0, 0, 0, "0% of the output image is black, which equals or exceeds the minimum of 0%"}};
   job.settings.blackPixelThreshold = 0.25F;
-  ComputedBitmap bitmap(10, 10, [](int x, int) { return x < 5 ? kBlack : kWhite; });
-  EXPECT_EQ(check(bitmap), "50% of the output image is black, which equals or exceeds the minimum of 50%");
-  EXPECT_THAT(log.unsentLines(), ElementsAre("  blackPixelPercentage = 50%", "  blackPixelThreshold = 0.25",
-                                             "50 of 100 pixels are considered black (50%)",
-                                             "50% of the output image is considered black, failing render..."));
-}
-
-TEST_F(BlackFrame, PassesOnePixelBelowTheMinimum) {
-  job.settings.blackPixelPercentage = 50;
-  ComputedBitmap bitmap(10, 10, [](int x, int y) { return y * 10 + x < 49 ? kBlack : kWhite; });
-  EXPECT_EQ(check(bitmap), "");
-  EXPECT_EQ(log.unsentLines().back(), "49 of 100 pixels are considered black (49%)");
-}
-
-TEST_F(BlackFrame, FailsEveryImageAtAMinimumOfZero) {
-  ComputedBitmap bitmap(3, 3, [](int, int) { return kWhite; });
-  EXPECT_EQ(check(bitmap), "0% of the output image is black, which equals or exceeds the minimum of 0%");
+  for (const auto& c : cases) {
+    job.settings.blackPixelPercentage = c.minimum;
+    ComputedBitmap bitmap(40, 25, [&](int x, int y) { return y * 40 + x < c.black ? kBlack : kWhite; });
+    log.startAgain();
+    EXPECT_EQ(check(bitmap), c.error);
+    const std::string percent = std::to_string(c.percent) + "%";
+    std::vector<std::string> lines = {
+        "  blackPixelPercentage = " + std::to_string(c.minimum) + "%", "  blackPixelThreshold = 0.25",
+        std::to_string(c.black) + " of 1000 pixels are considered black (" + percent + ")"};
+    if (*c.error) lines.push_back(percent + " of the output image is considered black, failing render...");
+    EXPECT_EQ(log.unsentLines(), lines);
+  }
 }
 
 TEST_F(BlackFrame, CountsALargeImageWithoutOverflow) {
@@ -136,17 +127,13 @@ TEST_F(BlackFrame, CountsALargeImageWithoutOverflow) {
 
 TEST_F(BlackFrame, ReadsPixelByPixelColumnByColumn) {
   ComputedBitmap bitmap(2, 3, [](int, int) { return kWhite; });
+  job.settings.blackPixelPercentage = 100;
   bitmap.noteReads = true;
   bitmap.resultOfReads = 0;  // is not examined
-  check(bitmap);
+  EXPECT_EQ(check(bitmap), "");
   using P = std::pair<int, int>;
   EXPECT_THAT(bitmap.reads, ElementsAre(P(0, 0), P(0, 1), P(0, 2), P(1, 0), P(1, 1), P(1, 2)));
-}
-
-TEST_F(BlackFrame, TakesAnUnreadablePixelAsTransparentBlack) {
-  job.settings.blackPixelPercentage = 100;
-  ComputedBitmap bitmap(2, 2, [](int, int) { return kWhite; });
-  bitmap.readable = false;
+  bitmap.readable = false;  // such a pixel counts as transparent black
   EXPECT_NE(check(bitmap), "");
 }
 
