@@ -24,8 +24,8 @@ struct MissingKind {
 
 constexpr std::uint32_t kIgnore = kActionLog;
 
-// The order in which every operation visits the kinds. The spelling "cooridinate" belongs to the texts of the system. A missing external scene is also recorded, so that the load can
-// be failed with the host's own text.
+// The order in which every operation visits the kinds. A missing external scene is also recorded, so that the load can
+// be failed with the host's own text. "cooridinate" is spelled as the system spells it.
 constexpr MissingKind kKinds[] = {
     {hostsdk::kTypeMissingExternalFiles, &JobSettings::ignoreMissingExternalFiles, kActionLog | kActionFail,
      "Ignoring missing external file errors", "Not ignoring missing external file errors",

@@ -99,7 +99,7 @@ int CorvantisRenderCallback::Progress(int done, int total) {
   try {
     sendProgress(static_cast<float>(done) * 100.0F / static_cast<float>(total));
   } catch (const win32::simple_socket_error& e) {
-    // The spelling "excetion" belongs to the texts of the system.
+    // "excetion" is spelled as the system spells it.
     log_file << "caught simple socket excetion when handling progress: " << e.what() << LogFile::endl;
   }
   return 1;
