@@ -5,36 +5,30 @@
 #include <limits>
 #include <utility>
 
+#include "support/fake_bitmap.h"
 #include "support/job_fixture.h"
 
 namespace corvantis {
 namespace {
 
 using hostsdk::ColorFloat;
-using testing::ElementsAre;
+using namespace support;
+using namespace testing;
 
 constexpr ColorFloat kBlack{0, 0, 0, 1};
 constexpr ColorFloat kWhite{1, 1, 1, 1};
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 // A bitmap whose pixels are computed, and which notes in which order they were read.
-class ComputedBitmap : public hostsdk::Bitmap, public hostsdk::BitmapStorage {
+class ComputedBitmap : public FakeBitmap, public hostsdk::BitmapStorage {
  public:
   using Color = std::function<ColorFloat(int x, int y)>;
-  ComputedBitmap(int width, int height, Color color) : width_(width), height_(height), color_(std::move(color)) {}
+  ComputedBitmap(FakeBitmapManager& manager, int width, int height, Color color)
+      : FakeBitmap(manager, 1, {}), width_(width), height_(height), color_(std::move(color)) {}
 
   int Width() const override { return width_; }
   int Height() const override { return height_; }
-  const hostsdk::BitmapInfo& Info() const override { return info_; }
   hostsdk::BitmapStorage* Storage() override { return hasStorage ? this : nullptr; }
-  int PrepareGChannels(const hostsdk::BitmapInfo&) override { return 0; }
-  int Display(const char16_t*, int, bool, bool, hostsdk::CropCallback*, hostsdk::Bitmap*) override { return 0; }
-  int UnDisplay() override { return 0; }
-  std::uint16_t OpenOutput(const hostsdk::BitmapInfo&) override { return 1; }
-  std::uint16_t Write(const hostsdk::BitmapInfo&, int) override { return 1; }
-  int Close(const hostsdk::BitmapInfo&, int) override { return 0; }
-  void DeleteThis() override {}
-
   int GetLinearPixels(int x, int y, int count, ColorFloat* out) override {
     EXPECT_EQ(count, 1);
     if (noteReads) reads.emplace_back(x, y);
@@ -52,10 +46,9 @@ class ComputedBitmap : public hostsdk::Bitmap, public hostsdk::BitmapStorage {
  private:
   int width_, height_;
   Color color_;
-  hostsdk::BitmapInfo info_;
 };
 
-class BlackFrame : public support::JobFixture {
+class BlackFrame : public JobFixture {
  protected:
   std::string check(ComputedBitmap& bitmap) {
     return errorOf([&] { checkBlackFrame(job, bitmap, connection); });
@@ -64,7 +57,7 @@ class BlackFrame : public support::JobFixture {
   bool black(ColorFloat pixel, float threshold) {
     job.settings.blackPixelThreshold = threshold;
     job.settings.blackPixelPercentage = 100;
-    ComputedBitmap bitmap(1, 1, [=](int, int) { return pixel; });
+    ComputedBitmap bitmap(host.bitmaps, 1, 1, [=](int, int) { return pixel; });
     return !check(bitmap).empty();
   }
 };
@@ -106,7 +99,7 @@ TEST_F(BlackFrame, ReportsAPassInThreeLinesAndAFailureInFour) {
   job.settings.blackPixelThreshold = 0.25F;
   for (const auto& c : cases) {
     job.settings.blackPixelPercentage = c.minimum;
-    ComputedBitmap bitmap(40, 25, [&](int x, int y) { return y * 40 + x < c.black ? kBlack : kWhite; });
+    ComputedBitmap bitmap(host.bitmaps, 40, 25, [&](int x, int y) { return y * 40 + x < c.black ? kBlack : kWhite; });
     log.startAgain();
     EXPECT_EQ(check(bitmap), c.error);
     const std::string percent = std::to_string(c.percent) + "%";
@@ -120,13 +113,14 @@ TEST_F(BlackFrame, ReportsAPassInThreeLinesAndAFailureInFour) {
 
 TEST_F(BlackFrame, CountsALargeImageWithoutOverflow) {
   job.settings.blackPixelPercentage = 100;
-  ComputedBitmap bitmap(8000, 6000, [](int, int) { return kBlack; });  // 48 000 000 x 100 is beyond 32 bits
+  ComputedBitmap bitmap(host.bitmaps, 8000, 6000,
+                        [](int, int) { return kBlack; });  // 48 000 000 x 100 is beyond 32 bits
   EXPECT_EQ(check(bitmap), "100% of the output image is black, which equals or exceeds the minimum of 100%");
   EXPECT_EQ(log.unsentLines()[2], "48000000 of 48000000 pixels are considered black (100%)");
 }
 
 TEST_F(BlackFrame, ReadsPixelByPixelColumnByColumn) {
-  ComputedBitmap bitmap(2, 3, [](int, int) { return kWhite; });
+  ComputedBitmap bitmap(host.bitmaps, 2, 3, [](int, int) { return kWhite; });
   job.settings.blackPixelPercentage = 100;
   bitmap.noteReads = true;
   bitmap.resultOfReads = 0;  // is not examined
@@ -139,9 +133,9 @@ TEST_F(BlackFrame, ReadsPixelByPixelColumnByColumn) {
 
 TEST_F(BlackFrame, HasNothingToJudgeWithoutPixels) {
   const auto white = [](int, int) { return kWhite; };
-  ComputedBitmap empty(0, 5, white);
-  ComputedBitmap flat(5, 0, white);
-  ComputedBitmap bare(5, 5, white);
+  ComputedBitmap empty(host.bitmaps, 0, 5, white);
+  ComputedBitmap flat(host.bitmaps, 5, 0, white);
+  ComputedBitmap bare(host.bitmaps, 5, 5, white);
   bare.hasStorage = false;
   for (ComputedBitmap* bitmap : {&empty, &flat, &bare}) {
     job.settings.blackPixelPercentage = 1;

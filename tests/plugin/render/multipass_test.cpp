@@ -3,13 +3,10 @@
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::onCall;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::StartsWith;
+using namespace support;
+using namespace testing;
 
-class Multipass : public support::FrameFixture {
+class Multipass : public FrameFixture {
  protected:
   std::vector<std::string> toldOfPasses() const {
     std::vector<std::string> lines = toldFrom("Rendering multipass effect:");
@@ -60,7 +57,7 @@ TEST_F(Multipass, SavesTheEmptyImageOfAnEffectWithoutPasses) {
   EXPECT_EQ(host.bitmaps.written[0].pixels[0].a, 0.0F);
 }
 
-TEST_F(Multipass, ReleasesThePassesBeforeItReportsAFailingOne) {
+TEST_F(Multipass, EndsAtAFailingOrFaultingPass) {
   useMultipass(3);
   addElement(u"Z", at("z.exr"));
   host.calls.on("CurRendererRenderFrame", onCall(2, answering(0)));
@@ -69,12 +66,7 @@ TEST_F(Multipass, ReleasesThePassesBeforeItReportsAFailingOne) {
               ElementsAre("  Rendering pass 2 of 3", "  CallCurRendererRenderFrame returned code 0", "  Failure"));
   EXPECT_THAT(calls({"DeleteThis", "Finish"}),
               ElementsAre("DeleteThis #4", "DeleteThis #2", "DeleteThis #1", "DeleteThis #3"));
-}
-
-TEST_F(Multipass, EndsAtAFaultingPass) {
-  useMultipass(3);
-  addElement(u"Z", at("z.exr"));
-  host.calls.on("CurRendererRenderFrame", onCall(2, support::writingToNull()));
+  host.calls.on("CurRendererRenderFrame", onCall(2, writingToNull()));
   EXPECT_THAT(render(2), StartsWith("Trapped SEH Exception in CurRendererRenderFrame(): Access Violation\nProcess:  "));
   EXPECT_EQ(told().back(), "  CallCurRendererRenderFrame returned code 0");
   host.calls.off("CurRendererRenderFrame");
@@ -110,7 +102,7 @@ TEST_F(Multipass, LeavesOutAnElementThatLacksABitmapOrAnAccumulator) {
     host.calls.on("Create", onCall(missing, answering(0)));
     ASSERT_EQ(render(2), "") << missing;
     EXPECT_THAT(told(), Contains("  Accumulating render element 1 of 2"));
-    EXPECT_THAT(calls({"AccumulateBitmap"}), testing::SizeIs(2)) << missing;
+    EXPECT_THAT(calls({"AccumulateBitmap"}), SizeIs(2)) << missing;
     EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0002.exr)", R"(OUT\n0002.exr)")) << missing;
   }
 }

@@ -10,16 +10,10 @@ using platform::error::kAccessDenied;
 using platform::error::kDiskFull;
 using platform::error::kFileNotFound;
 using platform::error::kSharingViolation;
-using support::answering;
-using support::onCall;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
+using namespace support;
+using namespace testing;
 
-class OutputFiles : public support::FrameFixture {
+class OutputFiles : public FrameFixture {
  protected:
   std::string createPath(const std::u16string& name) {
     hostsdk::BitmapInfo info;
@@ -105,7 +99,7 @@ TEST_F(LocalRendering, ListsTheNameAskedForAndKeepsTheLocalFileOfAFailedMove) {
   EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\shot\beauty0007.exr)"));
 }
 
-class MoveWithRetries : public support::FrameFixture {
+class MoveWithRetries : public FrameFixture {
  protected:
   MoveWithRetries() {
     out.write("tmp/a.exr", "image");
@@ -117,7 +111,7 @@ class MoveWithRetries : public support::FrameFixture {
   }
   std::string move() { return move(at("shot/a0005.exr")); }
   static std::string givenUp(std::uint32_t errorNumber) {
-    return R"(Failed to save OUT\shot\a0005.exr: )" + support::narrow(platform::systemErrorText(errorNumber));
+    return R"(Failed to save OUT\shot\a0005.exr: )" + narrow(platform::systemErrorText(errorNumber));
   }
 };
 
@@ -141,10 +135,10 @@ TEST_F(MoveWithRetries, TriesWaitsAndTellsTheWorker) {
       {false, kAccessDenied, ".exr", kForGood, 5, nullptr},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.failedAttempts << " failed attempts, error " << c.errorNumber);
+    SCOPED_TRACE(Message() << c.failedAttempts << " failed attempts, error " << c.errorNumber);
     out.write("tmp/a.exr", "image");
     job.settings.useAltOutput = c.useAltOutput;
-    support::FakeFiles failing;
+    FakeFiles failing;
     const platform::FilesReplacement inForce{failing};
     if (c.times != 0) failing.fail("copyFile", c.ending, c.errorNumber, c.times);
     const std::size_t sleepsBefore = clock.sleeps().size();
@@ -155,7 +149,7 @@ TEST_F(MoveWithRetries, TriesWaitsAndTellsTheWorker) {
     std::vector<std::uint32_t> sleeps;
     for (int attempt = 1; attempt <= c.failedAttempts; ++attempt) {
       lines.push_back(R"(Attempt to move OUT\tmp\a.exr to destination failed: )" +
-                      support::narrow(platform::systemErrorText(c.errorNumber)));
+                      narrow(platform::systemErrorText(c.errorNumber)));
       lines.push_back("Waiting " + std::to_string(attempt) + " seconds to try again.");
       sleeps.push_back(static_cast<std::uint32_t>(attempt) * 1000);
       const std::string alternative = attempt > 5 ? "_alt_" + std::to_string(attempt - 6) : "";
@@ -194,7 +188,7 @@ TEST_F(MoveWithRetries, KeepsAFileThatIsToBeMovedOntoItself) {
   EXPECT_EQ(told().back(), R"(Saved image to OUT\tmp/\a.exr)");
 }
 
-class JpegPreview : public support::FrameFixture {
+class JpegPreview : public FrameFixture {
  protected:
   JpegPreview() {
     job.settings.useJpegOutput = true;

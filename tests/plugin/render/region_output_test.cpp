@@ -6,12 +6,8 @@
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::onCall;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
+using namespace support;
+using namespace testing;
 
 constexpr std::int32_t kWhole = hostsdk::kRenderTypeWhole, kRegion = hostsdk::kRenderTypeRegion;
 
@@ -20,7 +16,7 @@ hostsdk::ColorFloat colorAt(int x, int y) {
   return {static_cast<float>(x + 1) / 4096.0F, static_cast<float>(y + 1) / 4096.0F, 0.5F, 1.0F};
 }
 
-class RegionOutput : public support::FrameFixture {};
+class RegionOutput : public FrameFixture {};
 
 TEST_F(RegionOutput, IsRenderedWithItsPaddingAndSavedWithoutIt) {
   const struct {
@@ -66,7 +62,7 @@ TEST_F(RegionOutput, IsRenderedWithItsPaddingAndSavedWithoutIt) {
     EXPECT_THAT(calls({"Create"}), Contains(R"(Create OUT\beauty0005.exr )" + c.rendered + " type 7"));
     EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0005.exr)", R"(OUT\p0005.exr)"));
     ASSERT_EQ(host.bitmaps.written.size(), 2U);
-    for (const support::WrittenImage& image : host.bitmaps.written) {
+    for (const WrittenImage& image : host.bitmaps.written) {
       EXPECT_EQ(std::to_string(image.width) + "x" + std::to_string(image.height), c.saved);
       const hostsdk::ColorFloat first = colorAt(c.cutX, c.cutY);
       const hostsdk::ColorFloat last = colorAt(c.cutX + image.width - 1, c.cutY + image.height - 1);

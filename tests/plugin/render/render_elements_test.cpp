@@ -3,15 +3,10 @@
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::narrow;
-using support::onCall;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
+using namespace support;
+using namespace testing;
 
-class RenderElements : public support::FrameFixture {
+class RenderElements : public FrameFixture {
  protected:
   std::vector<std::string> toldOfSaving() const { return toldFrom("Checking render elements"); }
 };

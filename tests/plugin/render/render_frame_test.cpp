@@ -11,24 +11,20 @@
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::narrow;
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
+using namespace support;
+using namespace testing;
 
-class RenderFrameTest : public support::FrameFixture {
+class RenderFrameTest : public FrameFixture {
  protected:
-  // Renders the frame and expects the worker to be sent exactly these messages from the first of them on.
+  // Renders the frame and expects the worker to be sent exactly these messages from the first of them on: lines of
+  // the log, unless they begin with "FUNCTION".
   void expectSent(std::int32_t frame, const std::vector<std::string>& messages) {
-    support::ScriptedPeer peer;
-    peer.skipUntil(messages.front());
-    for (auto message = messages.begin() + 1; message != messages.end(); ++message) peer.expect(*message);
+    const auto sent = [](const std::string& message) {
+      return (message.starts_with("FUNCTION") ? "" : "FUNCTION: STDOUT: MaxCorvantis: ") + message;
+    };
+    ScriptedPeer peer;
+    peer.skipUntil(sent(messages.front()));
+    for (auto message = messages.begin() + 1; message != messages.end(); ++message) peer.expect(sent(*message));
     peer.expectEnd();
     peer.start();
     connection.connect("127.0.0.1", peer.port(), 1);
@@ -36,7 +32,6 @@ class RenderFrameTest : public support::FrameFixture {
     connection.close(true);
     peer.finish();
   }
-  static std::string line(const std::string& text) { return "FUNCTION: STDOUT: MaxCorvantis: " + text; }
   std::string file(const std::string& name) const { return narrow(at(name)); }
 };
 
@@ -44,27 +39,27 @@ TEST_F(RenderFrameTest, TellsEveryStageOfAJobsFirstFrame) {
   addElement(u"Z", u"");
   host.core.progress = {{u"Rendering Image...", 50, 100}};
   clock.setTickCount(3'000'000'000U);
-  expectSent(7, {line("Render frame 7"),
-                 line("Rendering frame \"" + file("beauty0007.exr") + "\""),
-                 line("Rendering 1 render elements"),
-                 line("Setting up render parameters"),
-                 line("Rendering viewport"),
-                 line("Opening renderer"),
-                 line("Multipass disabled"),
-                 line("Rendering 1 passes"),
-                 line("Checking output paths"),
-                 line("Checking default actions"),
-                 line("  TYPE_MISSING_EXTERNAL_FILES = FAIL"),
-                 line("  TYPE_MISSING_UVWS = FAIL"),
-                 line("  TYPE_MISSING_DLL_FILES = FAIL"),
-                 line("  TYPE_MISSING_XREF_FILES = FAIL"),
-                 line("Calling renderer"),
+  expectSent(7, {"Render frame 7",
+                 "Rendering frame \"" + file("beauty0007.exr") + "\"",
+                 "Rendering 1 render elements",
+                 "Setting up render parameters",
+                 "Rendering viewport",
+                 "Opening renderer",
+                 "Multipass disabled",
+                 "Rendering 1 passes",
+                 "Checking output paths",
+                 "Checking default actions",
+                 "  TYPE_MISSING_EXTERNAL_FILES = FAIL",
+                 "  TYPE_MISSING_UVWS = FAIL",
+                 "  TYPE_MISSING_DLL_FILES = FAIL",
+                 "  TYPE_MISSING_XREF_FILES = FAIL",
+                 "Calling renderer",
                  "FUNCTION: SETTITLE Rendering Image... - 50.0%",
                  "FUNCTION: PROGRESS 50",
-                 line("CallCurRendererRenderFrame returned code 1"),
-                 line("Render done"),
-                 line("Writing to output file: " + file("beauty0007.exr")),
-                 line("Checking render elements"),
+                 "CallCurRendererRenderFrame returned code 1",
+                 "Render done",
+                 "Writing to output file: " + file("beauty0007.exr"),
+                 "Checking render elements",
                  "FUNCTION: WARN: MaxCorvantis: Not saving render element 0 because its output path is empty"});
 }
 
@@ -79,16 +74,16 @@ TEST_F(RenderFrameTest, SpreadsTheProgressOverThePasses) {
     clock.advance(2000);
     return std::nullopt;
   });
-  std::vector<std::string> messages = {line("Rendering multipass effect:")};
+  std::vector<std::string> messages = {"Rendering multipass effect:"};
   for (const auto& [of, overall] : {std::pair("1 of 2", "25"), std::pair("2 of 2", "75")}) {
     messages.insert(messages.end(),
-                    {line(std::string("  Rendering pass ") + of), "FUNCTION: STDOUT: Reading lights",
+                    {std::string("  Rendering pass ") + of, "FUNCTION: STDOUT: Reading lights",
                      std::string("FUNCTION: SETTITLE Pass ") + of + " - Rendering - 50.0%",
-                     std::string("FUNCTION: PROGRESS ") + overall, line("  CallCurRendererRenderFrame returned code 1"),
-                     line("  Accumulating bitmap"), line("  Success")});
+                     std::string("FUNCTION: PROGRESS ") + overall, "  CallCurRendererRenderFrame returned code 1",
+                     "  Accumulating bitmap", "  Success"});
   }
-  messages.push_back(line("Render done"));
-  messages.push_back(line("Writing to output file: " + file("beauty0008.exr")));
+  messages.push_back("Render done");
+  messages.push_back("Writing to output file: " + file("beauty0008.exr"));
   expectSent(8, messages);
 }
 
@@ -122,24 +117,22 @@ TEST_F(RenderFrameTest, KeepsTheRendererOpenAndWhatItReadForTheNextFrame) {
 TEST_F(RenderFrameTest, OpensTheRendererForEveryFrameInRestartMode) {
   job.settings.restartRendererMode = true;
   addElement(u"Z", at("z.exr"));
-  ASSERT_EQ(render(1), "");
-  EXPECT_FALSE(job.rendererOpen);
-  EXPECT_THAT(job.elementOutputs, IsEmpty());
-  host.core.renderOutput.SetName(at("changed.exr"));
-  ASSERT_EQ(render(2), "");
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\changed0002.exr)", R"(OUT\z0002.exr)"));
-  EXPECT_THAT(calls({"OpenCurRenderer", "CloseCurRenderer"}),
-              ElementsAre(StartsWith("Open"), "CloseCurRenderer", StartsWith("Open"), "CloseCurRenderer"));
-}
-
-TEST_F(RenderFrameTest, SurvivesARendererThatCannotBeClosedForARestart) {
-  job.settings.restartRendererMode = true;
-  addElement(u"Z", at("z.exr"));
-  host.calls.on("CloseCurRenderer", support::onCall(1, support::writingToNull()));
+  host.calls.on("CloseCurRenderer", onCall(1, writingToNull()));
   EXPECT_THAT(render(1), StartsWith("Trapped SEH Exception in CloseCurRenderer(): Access Violation\nProcess:  "));
   EXPECT_TRUE(job.rendererOpen);
-  EXPECT_EQ(render(2), "");
+  EXPECT_EQ(render(1), "");
   EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
+  EXPECT_FALSE(job.rendererOpen);
+  host.core.renderOutput.SetName(at("changed.exr"));
+  host.calls.clear();
+  for (const std::int32_t frame : {2, 3}) {
+    ASSERT_EQ(render(frame), "");
+    EXPECT_THAT(job.elementOutputs, IsEmpty());
+    EXPECT_THAT(savedFiles(), SizeIs(2));
+    EXPECT_EQ(savedFiles().front(), R"(OUT\changed000)" + std::to_string(frame) + ".exr");
+  }
+  EXPECT_THAT(calls({"OpenCurRenderer", "CloseCurRenderer"}),
+              ElementsAre(StartsWith("Open"), "CloseCurRenderer", StartsWith("Open"), "CloseCurRenderer"));
 }
 
 TEST_F(RenderFrameTest, NamesItsOutputAsTheSceneOrTheJobSays) {
@@ -254,22 +247,22 @@ TEST_F(RenderFrameTest, ReleasesEverythingAndNamesTheReasonOfAFailure) {
   const std::string called = "CallCurRendererRenderFrame returned code 0";
   const struct {
     const char* operation;
-    support::Hook hook;
+    Hook hook;
     std::string text, lastLine;
   } cases[] = {
       {"Create", answering(0), "Failed to allocate Bitmap: TheManager->Create() return NULL",
        R"(Rendering frame "OUT\beauty0007.exr")"},
-      {"Create", support::onCall(3, support::throwingStandard("out of memory")), "out of memory",
+      {"Create", onCall(3, throwingStandard("out of memory")), "out of memory",
        R"(Rendering frame "OUT\beauty0007.exr")"},
       {"OpenCurRenderer", answering(0), "Failed to open the max renderer.", "Opening renderer"},
       {"CurRendererRenderFrame", answering(0), "Failed to render the frame.", called},
-      {"CurRendererRenderFrame", support::writingToNull(), fault + "Access Violation\nProcess:  ", called},
-      {"CurRendererRenderFrame", support::dividingByZero(), fault + "Integer Divide By Zero\nProcess:  ", called},
-      {"CurRendererRenderFrame", support::throwingStandard("renderer says no"), "renderer says no", "Calling renderer"},
+      {"CurRendererRenderFrame", writingToNull(), fault + "Access Violation\nProcess:  ", called},
+      {"CurRendererRenderFrame", dividingByZero(), fault + "Integer Divide By Zero\nProcess:  ", called},
+      {"CurRendererRenderFrame", throwingStandard("renderer says no"), "renderer says no", "Calling renderer"},
       {"OpenOutput", answering(11), "Error in bm->OpenOutput(): error code 11",
        R"(Writing to output file: OUT\beauty0007.exr)"},
       {"Write", answering(12), "Error in bm->Write(): error code 12", R"(Writing to output file: OUT\beauty0007.exr)"},
-      {"OpenOutput", support::onCall(2, answering(13)), "Error in bm->OpenOutput(): error code 13",
+      {"OpenOutput", onCall(2, answering(13)), "Error in bm->OpenOutput(): error code 13",
        R"(Writing to output file: OUT\z0007.exr)"},
   };
   job.settings.showFrameBuffer = true;
@@ -298,37 +291,32 @@ TEST_F(RenderFrameTest, FailsABlackFrameBeforeAnythingIsSaved) {
     return x < 4 ? hostsdk::ColorFloat{0, 0, 0, 1} : hostsdk::ColorFloat{1, 1, 1, 1};
   };
   EXPECT_EQ(render(7), "50% of the output image is black, which equals or exceeds the minimum of 50%");
-  EXPECT_THAT(toldFrom("Render done"),
-              ElementsAre("Render done", R"(Checking if OUT\beauty0007.exr is black)", "  blackPixelPercentage = 50%",
-                          "  blackPixelThreshold = 0.1", "24 of 48 pixels are considered black (50%)",
-                          "50% of the output image is considered black, failing render..."));
+  EXPECT_THAT(told(), Contains(R"(Checking if OUT\beauty0007.exr is black)"));
   EXPECT_THAT(job.savedOutputFiles, IsEmpty());
   EXPECT_EQ(host.calls.count("OpenOutput"), 0);
 }
 
-TEST_F(RenderFrameTest, CannotBeTrickedIntoRenderingWithoutAJob) {
-  job.jobRunning = false;
-  job.hostCore = {};
-  EXPECT_EQ(render(7), "RenderFrame called when consistency check flag jobRunning was not set");
-  EXPECT_EQ(told().back(), "Rendering 1 passes");
-  EXPECT_TRUE(job.rendererOpen);
-}
-
-TEST_F(RenderFrameTest, DoesNotTouchTheCameraOfAJobThatEnded) {
+TEST_F(RenderFrameTest, RendersNothingAndTouchesNoCameraOutsideAJob) {
+  const std::string noJob = "RenderFrame called when consistency check flag jobRunning was not set";
   addElement(u"Z", at("z.exr"));
   useMultipass(2);
   ASSERT_EQ(render(7), "");
   EndJob(job);
   host.core.elements.elements.front()->enabled = false;
   host.calls.clear();
-  EXPECT_EQ(render(8), "RenderFrame called when consistency check flag jobRunning was not set");
+  EXPECT_EQ(render(8), noJob);
   EXPECT_THAT(calls({"EvalWorldState", "TotalPasses", "OpenCurRenderer"}),
               ElementsAre("OpenCurRenderer none none 0 8x6"));
   EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
+  job.rendererOpen = false;
+  job.hostCore = {};
+  EXPECT_EQ(render(9), noJob);
+  EXPECT_EQ(told().back(), "Rendering 1 passes");
+  EXPECT_TRUE(job.rendererOpen);
 }
 
 TEST_F(RenderFrameTest, TrapsAFaultOutsideTheRenderer) {
-  host.calls.on("SetTime", support::writingToNull());
+  host.calls.on("SetTime", writingToNull());
   const Trapped<std::uint16_t> faulted = trappedRenderFrame(job, 7, connection);
   EXPECT_EQ(faulted.value, 1);
   EXPECT_EQ(faulted.sehText, "Trapped SEH Exception in RenderFrame(): Access Violation");

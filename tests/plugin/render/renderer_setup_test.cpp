@@ -5,37 +5,35 @@
 namespace corvantis {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
+using namespace support;
+using namespace testing;
 
 constexpr hostsdk::Class_ID kHolderCamera{0x399ee5f2, 0x584a71a8};
 constexpr hostsdk::Class_ID kSinglePassEffect{0x6cc9546e, 0x0b1961b9};
 
-class RendererSetup : public support::JobFixture {
+class RendererSetup : public JobFixture {
  protected:
   RendererSetup() {
     bindCore();
     job.renderViewport = &host.core.viewports[0];
   }
   // Makes the render camera, with an enabled effect of 8 passes.
-  support::FakeCamera& useCamera() {
-    support::FakeCamera& camera = host.core.addCamera();
+  FakeCamera& useCamera() {
+    FakeCamera& camera = host.core.addCamera();
     cameraNode = &host.core.addNode(u"Cam", &camera);
     job.renderCamera = cameraNode;
     giveEffect(camera, 8);
     return camera;
   }
-  support::FakeMultipassEffect& giveEffect(support::FakeCamera& camera, int passes) {
-    support::FakeMultipassEffect& effect = host.core.addEffect();
+  FakeMultipassEffect& giveEffect(FakeCamera& camera, int passes) {
+    FakeMultipassEffect& effect = host.core.addEffect();
     effect.passes = passes;
     camera.effect = &effect;
     camera.effectEnabled = true;
     return effect;
   }
-  support::FakeNode& addChild(const std::u16string& name, hostsdk::Object* object) {
-    support::FakeNode& child = host.core.addNode(name, object);
+  FakeNode& addChild(const std::u16string& name, hostsdk::Object* object) {
+    FakeNode& child = host.core.addNode(name, object);
     cameraNode->children.push_back(&child);
     return child;
   }
@@ -51,17 +49,10 @@ class RendererSetup : public support::JobFixture {
   }
 
   const std::string off = "Multipass disabled, Rendering 1 passes";
-  support::FakeNode* cameraNode = nullptr;
+  FakeNode* cameraNode = nullptr;
 };
 
-TEST_F(RendererSetup, DoesNothingWhileTheRendererIsOpen) {
-  job.rendererOpen = true;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(host.calls.lines(), ElementsAre());
-  EXPECT_THAT(log.lines(), ElementsAre());
-}
-
-TEST_F(RendererSetup, OpensForTheActiveViewport) {
+TEST_F(RendererSetup, OpensForTheViewport) {
   EXPECT_EQ(setup(), "");
   EXPECT_THAT(log.unsentLines(), ElementsAre("Setting up render parameters", "Rendering viewport", "Opening renderer",
                                              "Multipass disabled", "Rendering 1 passes"));
@@ -69,11 +60,12 @@ TEST_F(RendererSetup, OpensForTheActiveViewport) {
   address << static_cast<const void*>(job.renderViewport);
   EXPECT_THAT(log.lines(), Contains("Rendering view at address " + address.str()));
   EXPECT_THAT(host.calls.lines(), ElementsAre("SetupRendParams none 0", "OpenCurRenderer none view 0 8x6"));
-  EXPECT_TRUE(job.rendererOpen);
   EXPECT_EQ(job.renderParams.width, 8);
-}
+  host.calls.clear();
+  EXPECT_EQ(setup(), "");  // is open already
+  EXPECT_THAT(host.calls.lines(), ElementsAre());
 
-TEST_F(RendererSetup, NamesALockedViewport) {
+  job.rendererOpen = false;
   job.renderViewLocked = true;
   job.lockedViewportIndex = 2;
   job.settings.regionType = 4;
@@ -94,7 +86,7 @@ TEST_F(RendererSetup, OpensForACameraWithoutAnEffect) {
 }
 
 TEST_F(RendererSetup, SplitsTheFrameIntoTheEffectsPasses) {
-  support::FakeCamera& camera = useCamera();
+  FakeCamera& camera = useCamera();
   EXPECT_EQ(passes(), "Multipass enabled, Rendering 8 passes");
   EXPECT_THAT(host.calls.lines(), Contains("TotalPasses 800"));
   EXPECT_EQ(job.multipassEffect, camera.effect);
@@ -118,12 +110,12 @@ TEST_F(RendererSetup, LeavesTheEffectThatRendersItsPassesItselfToRendererC) {
 TEST_F(RendererSetup, TakesTheEffectOfRendererAFromTheLastHolderChild) {
   useCamera().classId = kHolderCamera;
   job.isRendererA = true;
-  support::FakeCamera& first = host.core.addCamera();
-  support::FakeCamera& last = host.core.addCamera();
+  FakeCamera& first = host.core.addCamera();
+  FakeCamera& last = host.core.addCamera();
   giveEffect(first, 3);
   giveEffect(last, 4);
   addChild(u"Multipass", &first);
-  support::FakeNode& holder = addChild(u"Multipass", &last);
+  FakeNode& holder = addChild(u"Multipass", &last);
   addChild(u"multipass", &first);  // another name
   EXPECT_EQ(setup(), "");
   EXPECT_THAT(log.unsentLines(),
@@ -154,7 +146,7 @@ TEST_F(RendererSetup, TurnsMultipassOffForRendererAWithoutAHolder) {
   EXPECT_EQ(job.multipassHolderNode, nullptr);
   EXPECT_EQ(host.calls.count("MultiPassEffectEnabled"), 0);
 
-  support::FakeMesh mesh;
+  FakeMesh mesh;
   for (hostsdk::Object* noCamera : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
     addChild(u"Multipass", noCamera);
     EXPECT_EQ(passes(), off);
@@ -171,9 +163,9 @@ TEST_F(RendererSetup, AsksTheCameraItselfWhenOnlyOneOfTheHolderConditionsHolds) 
 }
 
 TEST_F(RendererSetup, FailsForANodeThatIsNoCamera) {
-  support::FakeMesh mesh;
-  for (hostsdk::Object* object : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
-    job.renderCamera = &host.core.addNode(u"Group01", object);
+  FakeMesh mesh;
+  for (hostsdk::Object* noCamera : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
+    job.renderCamera = &host.core.addNode(u"Group01", noCamera);
     EXPECT_EQ(setup(),
               "Camera node Group01 is not a camera node - check that there are not other nodes or groups in the scene "
               "that have the same name as the camera");
@@ -183,24 +175,19 @@ TEST_F(RendererSetup, FailsForANodeThatIsNoCamera) {
 }
 
 TEST_F(RendererSetup, FailsWhenTheHostCannotOpenAndTriesAgainAtTheNextFrame) {
-  host.calls.on("OpenCurRenderer", support::onCall(1, support::answering(0)));
-  EXPECT_EQ(setup(), "Failed to open the max renderer.");
-  EXPECT_FALSE(job.rendererOpen);
-  EXPECT_EQ(log.unsentLines().back(), "Opening renderer");
-  EXPECT_EQ(setup(), "");
-  EXPECT_TRUE(job.rendererOpen);
-}
-
-TEST_F(RendererSetup, FailsWithTheDescriptionOfAFault) {
   for (const bool withCamera : {false, true}) {
     if (withCamera) useCamera();
-    job.rendererOpen = false;
-    host.calls.on("OpenCurRenderer", support::onCall(1, support::writingToNull()));
+    host.calls.on("OpenCurRenderer", onCall(1, answering(0)));
+    EXPECT_EQ(setup(), "Failed to open the max renderer.");
+    EXPECT_EQ(log.unsentLines().back(), "Opening renderer");
+    host.calls.on("OpenCurRenderer", onCall(1, writingToNull()));
     const std::string error = setup();
     EXPECT_EQ(error, "Trapped SEH Exception in OpenCurRenderer(): Access Violation\n" + job.crashDescription);
     EXPECT_THAT(job.crashDescription, HasSubstr("Exception Code:  C0000005"));
     EXPECT_FALSE(job.rendererOpen);
     EXPECT_EQ(setup(), "");
+    EXPECT_TRUE(job.rendererOpen);
+    job.rendererOpen = false;
   }
 }
 
