@@ -55,13 +55,10 @@ TEST_F(PacketSocket, LimitsWhatItReceivesAndStaysOpen) {
   peer.send(largest).stallAfterHeader(100001).stallAfterHeader(0xFFFFFFFF).sendRaw("next").expect("still here");
   connect();
   EXPECT_EQ(socket.receive(120000), largest);
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 100001)");
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 4294967295)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 100001)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 4294967295)");
   // What follows is unread: it is taken for a header.
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 1852143732)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 1852143732)");
   EXPECT_TRUE(socket.isConnected());
   socket.send("still here");
   peer.finish();
@@ -69,7 +66,7 @@ TEST_F(PacketSocket, LimitsWhatItReceivesAndStaysOpen) {
 
 TEST_F(PacketSocket, WorksConnectedOnlyAndConnectsOnce) {
   expectError<simple_socket_error>([&] { socket.send("x"); }, "simple_socket: send called while not connected.");
-  expectError<simple_socket_error>([&] { socket.receive(0); }, "simple_socket: receive while not connected.");
+  expectReceiveError<simple_socket_error>(0, "simple_socket: receive while not connected.");
   EXPECT_FALSE(socket.isConnected());
   peer.expect("undisturbed");
   connect();
@@ -125,8 +122,7 @@ TEST_F(PacketSocket, ReportsARefusedConnection) {
 TEST_F(PacketSocket, PollsWithATimeOutOfZero) {
   peer.expect("ask").send("now");
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(0); },
-                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  expectReceiveError<simple_socket_timeout_error>(0, "simple_socket: Timed out waiting for header packet to arrive.");
   EXPECT_TRUE(socket.isConnected());
   socket.send("ask");
   peer.awaitSteps();
@@ -138,8 +134,8 @@ TEST_F(PacketSocket, PollsWithATimeOutOfZero) {
 TEST_F(PacketSocket, TimesOutWaitingForAHeader) {
   peer.letTimePass(clock, 119999).letTimePass(clock, 1).expect("go on").send("late");
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(120000); },
-                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  expectReceiveError<simple_socket_timeout_error>(120000,
+                                                  "simple_socket: Timed out waiting for header packet to arrive.");
   EXPECT_TRUE(socket.isConnected());
   socket.send("go on");
   EXPECT_EQ(socket.receive(120000), "late");
@@ -149,7 +145,7 @@ TEST_F(PacketSocket, TimesOutWaitingForAHeader) {
 TEST_F(PacketSocket, TimesOutWithinAHeader) {
   peer.sendRaw("\0\0"s).letTimePass(clock, 1000).sendRaw("\0\x02"s).then([] {});
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   EXPECT_TRUE(socket.isConnected());
   peer.finish();
 }
@@ -158,7 +154,7 @@ TEST_F(PacketSocket, HasOneEndTimeForAWholeMessage) {
   // 600 of 1000 ms are gone when the payload starts; another 600 are too many, though each wait alone is short.
   peer.letTimePass(clock, 600).stallAfterHeader(4).sendRaw("ab").letTimePass(clock, 399).letTimePass(clock, 1);
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   EXPECT_EQ(clock.waits().front(), 1000U);
   EXPECT_LE(clock.waits().back(), 400U);
   EXPECT_TRUE(socket.isConnected());
@@ -172,7 +168,7 @@ TEST_F(PacketSocket, PollsOnceTheEndTimeHasPassed) {
     clock.advance(5000);
   });
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   peer.finish();
 }
 
@@ -209,7 +205,7 @@ TEST_F(PacketSocket, NoticesAPeerThatCloses) {
     leaving.sendRaw(sent).close().expectEnd();
     leaving.start();
     socket.connect("127.0.0.1", leaving.port(), 1);
-    expectError<simple_socket_disconnect_error>([&] { socket.receive(120000); }, text);
+    expectReceiveError<simple_socket_disconnect_error>(120000, text);
     EXPECT_FALSE(socket.isConnected());
     leaving.finish();
   }
@@ -222,9 +218,8 @@ TEST_F(PacketSocket, ReportsAReadErrorAndCloses) {
   if (support::runsUnderWine()) {  // where a connection that is broken off looks like one that has ended
     EXPECT_THROW(socket.receive(120000), simple_socket_disconnect_error);
   } else {
-    expectError<simple_socket_error>(
-        [&] { socket.receive(120000); },
-        "recv: socket error trying to receive data: WSAError code " + std::to_string(support::kConnectionReset));
+    expectReceiveError<simple_socket_error>(120000, "recv: socket error trying to receive data: WSAError code " +
+                                                        std::to_string(support::kConnectionReset));
   }
   EXPECT_FALSE(socket.isConnected());
   peer.finish();
@@ -246,9 +241,8 @@ TEST_F(PacketSocket, ReportsAWaitThatFailsAndStaysOpen) {
   connect();
   peer.awaitSteps();  // the peer is to take no descriptor any more
   platform::closeSocket(socket.handle());
-  expectError<simple_socket_error>(
-      [&] { socket.receive(120000); },
-      "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
+  expectReceiveError<simple_socket_error>(
+      120000, "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
   EXPECT_TRUE(socket.isConnected());
   peer.finish();
 }
