@@ -28,8 +28,8 @@ TEST_F(RegionOutput, IsRenderedWithItsPaddingAndSavedWithoutIt) {
     int cutX, cutY;               // where in the rendered image the saved one starts
   } cases[] = {
       {kRegion, {90, 90, 310, 210}, 10, {}, "220x120", "200x100", 10, 10},
-      {kRegion, {0, 0, 110, 110}, 10, {10, 10, 0, 0}, "110x110", "100x100", 0, 0},
-      {kRegion, {530, 370, 640, 480}, 10, {0, 0, 10, 10}, "110x110", "100x100", 10, 10},
+      {kRegion, {0, 0, 110, 107}, 10, {10, 7, 0, 0}, "110x107", "100x94", 0, 3},
+      {kRegion, {530, 370, 640, 480}, 10, {0, 0, 10, 4}, "110x110", "100x94", 10, 10},
       {kRegion, {100, 100, 300, 200}, 0, {}, "200x100", "200x100", 0, 0},
       {kRegion, {100, 100, 300, 200}, 0, {0, 5, 60, 0}, "200x100", "200x100", 0, 0},  // unpadded is not stretched
       {kWhole, {0, 0, 100, 100}, 0, {}, "640x480", "640x480", 0, 0},

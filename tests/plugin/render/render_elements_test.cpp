@@ -68,8 +68,10 @@ TEST_F(RenderElements, FallBackOnTheScenesNamesWhereTheListIsTooShort) {
   addElement(u"A", at("a.exr")).enabled = false;
   addElement(u"B", at("b.exr"));
   addElement(u"C", at("c.exr"));
-  job.settings.useRenderElementFilenames = true;
   job.settings.renderElementFilenames = {at("given.exr")};
+  ASSERT_EQ(render(7), "");  // the list is not to be used
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\b0007.exr)", R"(OUT\c0007.exr)"));
+  job.settings.useRenderElementFilenames = true;
   ASSERT_EQ(render(7), "");
   EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\given0007.exr)", R"(OUT\c0007.exr)"));
   job.settings.removePadding = true;
