@@ -112,6 +112,7 @@ TEST(Paths, OfScenesAreTakenApartAsTheyStand) {
       {u"C:a.max", u"a.max", u"C:"},
       {u"C:", u"C:", u""},
       {u"C:\\", u"\\", u"C:"},
+      {u"1:\\", u".", u"1:"},
       {u"C:\\scenes\\", u".", u"C:\\scenes"},
       {u"C:\\scenes\\\\", u".", u"C:\\scenes"},
       {u"C:\\one\\\\two\\a.max", u"a.max", u"C:\\one\\\\two"},
