@@ -38,6 +38,13 @@ std::u16string cleanTitle(const char16_t* title) {
   return text;
 }
 
+// Whether a title names the rendering phase itself, whatever its letter case.
+bool isRenderingTitle(const std::u16string& text) {
+  const std::u16string lower = lowerCase(text);
+  return contains(lower, u"rendering image") || lower == u"rendering..." || contains(lower, u"quality reached:") ||
+         contains(lower, u"%  rendering") || lower == u"rendering";
+}
+
 bool preparesScene(const std::u16string& text) {
   const std::u16string lower = lowerCase(text);
   return contains(lower, u"loading bitmaps ") || contains(lower, u"updating object ") ||
@@ -61,12 +68,6 @@ std::u16string oneDecimal(float number) {
 }
 
 }  // namespace
-
-bool isRenderingTitle(const std::u16string& text) {
-  const std::u16string lower = lowerCase(text);
-  return contains(lower, u"rendering image") || lower == u"rendering..." || contains(lower, u"quality reached:") ||
-         contains(lower, u"%  rendering") || lower == u"rendering";
-}
 
 CorvantisRenderCallback::CorvantisRenderCallback(win32::simple_socket& connection, std::u16string passPrefix)
     : connection_(connection), passPrefix_(std::move(passPrefix)) {}

@@ -1,6 +1,6 @@
 #include "plugin/render/renderer_setup.h"
 
-#include "support/job_fixture.h"
+#include "frame_fixture.h"
 
 namespace corvantis {
 namespace {
@@ -11,12 +11,8 @@ using namespace testing;
 constexpr hostsdk::Class_ID kHolderCamera{0x399ee5f2, 0x584a71a8};
 constexpr hostsdk::Class_ID kSinglePassEffect{0x6cc9546e, 0x0b1961b9};
 
-class RendererSetup : public JobFixture {
+class RendererSetup : public FrameFixture {
  protected:
-  RendererSetup() {
-    bindCore();
-    job.renderViewport = &host.core.viewports[0];
-  }
   // Makes the render camera, with an enabled effect of 8 passes.
   FakeCamera& useCamera() {
     FakeCamera& camera = host.core.addCamera();
@@ -24,13 +20,6 @@ class RendererSetup : public JobFixture {
     job.renderCamera = cameraNode;
     giveEffect(camera, 8);
     return camera;
-  }
-  FakeMultipassEffect& giveEffect(FakeCamera& camera, int passes) {
-    FakeMultipassEffect& effect = host.core.addEffect();
-    effect.passes = passes;
-    camera.effect = &effect;
-    camera.effectEnabled = true;
-    return effect;
   }
   FakeNode& addChild(const std::u16string& name, hostsdk::Object* object) {
     FakeNode& child = host.core.addNode(name, object);
