@@ -3,7 +3,7 @@
 #include "plugin/daemon/job_commands.h"
 #include "plugin/daemon/region_command.h"
 #include "plugin/daemon/script_commands.h"
-#include "plugin/daemon/settings_commands.h"
+#include "plugin/daemon/commands.h"
 
 namespace corvantis {
 namespace {

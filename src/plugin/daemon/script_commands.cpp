@@ -6,7 +6,7 @@
 #include "hostsdk/core_interface.h"
 #include "plugin/daemon/reply.h"
 #include "plugin/interface/mxs/evaluate.h"
-#include "plugin/interface/mxs/execute_script_string.h"
+#include "plugin/interface/mxs/run_script.h"
 #include "plugin/interface/mxs/file_in.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"

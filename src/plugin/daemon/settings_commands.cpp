@@ -1,4 +1,4 @@
-#include "plugin/daemon/settings_commands.h"
+#include "plugin/daemon/commands.h"
 
 #include <algorithm>
 

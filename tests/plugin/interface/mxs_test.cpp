@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "plugin/interface/mxs/evaluate.h"
-#include "plugin/interface/mxs/execute_script_string.h"
+#include "plugin/interface/mxs/run_script.h"
 #include "plugin/interface/mxs/file_in.h"
 #include "plugin/interface/mxs/frame.h"
 #include "plugin/interface/mxs/listener.h"

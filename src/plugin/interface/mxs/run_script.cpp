@@ -1,4 +1,4 @@
-#include "plugin/interface/mxs/execute_script_string.h"
+#include "plugin/interface/mxs/run_script.h"
 
 #include <utility>
 
