@@ -12,6 +12,7 @@
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
+#include "protocol/words.h"
 
 namespace corvantis {
 namespace {
@@ -83,7 +84,7 @@ void CorvantisRenderCallback::SetTitle(const char16_t* title) {
   std::u16string text = cleanTitle(title);
   if (isInformative(text)) {
     try {
-      connection_.send(to_utf8(u"FUNCTION: STDOUT: " + text));
+      relayStdoutLine(connection_, text);
     } catch (...) {  // a log line that cannot be sent is not worth a frame
     }
   }
@@ -109,14 +110,10 @@ int CorvantisRenderCallback::Progress(int done, int total) {
 void CorvantisRenderCallback::sendProgress(float percent) {
   bool rendering = false;
   if (percent > 0.0F) {
-    connection_.send(to_utf8(u"FUNCTION: SETTITLE " + passPrefix_ + title_ + u" - " + oneDecimal(percent) + u"%"));
+    postTitle(connection_, passPrefix_ + title_ + u" - " + oneDecimal(percent) + u"%");
     rendering = isRenderingTitle(title_);
   }
-  if (rendering) {
-    connection_.send(to_utf8(u"FUNCTION: PROGRESS " + to_wstring(percent * passScale_ + passOffset_)));
-  } else {
-    connection_.send("FUNCTION: PROGRESS -1");
-  }
+  postProgress(connection_, rendering ? percent * passScale_ + passOffset_ : protocol::notice::kUnmeasured);
 }
 
 void CorvantisRenderCallback::setPass(std::int32_t pass, std::int32_t passCount) {

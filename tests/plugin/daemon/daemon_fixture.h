@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hostsdk/core_interface.h"
@@ -26,7 +27,7 @@ class DaemonTest : public testing::Test {
 
   void startAfresh() {
     worker = std::make_unique<support::ScriptedPeer>();
-    socket = std::make_unique<win32::simple_socket>();
+    connection = std::make_unique<win32::simple_socket>();
     job = std::make_unique<JobState>();
     log.startAgain();
     host.calls.clear();
@@ -42,7 +43,7 @@ class DaemonTest : public testing::Test {
   // Runs the conversation that `worker` states.
   bool run() {
     worker->start();
-    const bool result = RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token");
+    const bool result = RunCorvantisDaemon(*job, *connection, running, worker->port(), u"token");
     worker->finish();
     EXPECT_FALSE(running);
     return result;
@@ -54,6 +55,14 @@ class DaemonTest : public testing::Test {
     for (const std::string& reply : replies) worker->expect(reply);
     worker->close();
     return run();
+  }
+
+  // The same for several lines, each with its one reply.
+  void runLines(const std::vector<std::pair<std::string, std::string>>& lines) {
+    worker->handshake("token");
+    for (const auto& [line, reply] : lines) worker->send(line).expect(reply);
+    worker->close();
+    EXPECT_TRUE(run());
   }
 
   // What the one command wrote to the log: what follows its fields and their empty line.
@@ -70,7 +79,7 @@ class DaemonTest : public testing::Test {
   support::FakeHost host{&scripts};
   std::unique_ptr<JobState> job = std::make_unique<JobState>();
   support::LogCapture log;
-  std::unique_ptr<win32::simple_socket> socket;
+  std::unique_ptr<win32::simple_socket> connection;
   std::unique_ptr<support::ScriptedPeer> worker;
   bool running = false;
 };

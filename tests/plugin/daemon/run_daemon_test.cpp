@@ -9,7 +9,6 @@
 
 #include "daemon_fixture.h"
 #include "platform/environment.h"
-#include "plugin/daemon/build_version.h"
 
 namespace corvantis {
 namespace {
@@ -56,7 +55,7 @@ TEST_F(RunDaemon, ShakesHandsAndEndsWellWhenTheWorkerCloses) {
 TEST_F(RunDaemon, SendsTheTokenAsUtf8) {
   worker->expect("t\u00f6k\u4e2d").send("TessarynStartup").expectPrefix("Corvantis ").close();
   worker->start();
-  EXPECT_TRUE(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"t\u00f6k\u4e2d"));
+  EXPECT_TRUE(RunCorvantisDaemon(*job, *connection, running, worker->port(), u"t\u00f6k\u4e2d"));
   worker->finish();
 }
 
@@ -76,15 +75,15 @@ TEST_F(RunDaemon, ASilentHandshakeTimesOutAndLeavesTheConnectionOpen) {
   worker->expect("token").letTimePass(clock, 120000);
   worker->expect("ERROR: Exception caught in 3ds max: simple_socket: Timed out waiting for header packet to arrive.");
   EXPECT_FALSE(run());
-  EXPECT_TRUE(socket->isConnected());
+  EXPECT_TRUE(connection->isConnected());
   // Whatever the number: this is found out before it is looked at.
-  EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, 70000, u"token"));
+  EXPECT_FALSE(RunCorvantisDaemon(*job, *connection, running, 70000, u"token"));
   EXPECT_EQ(log.lines().back(), "Exception: simple_socket::connect: Already connected.");
 }
 
 TEST_F(RunDaemon, FailsWhereNobodyListens) {
   for (const std::int32_t port : {-1, 65536, 70000}) {
-    EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, port, u"token"));
+    EXPECT_FALSE(RunCorvantisDaemon(*job, *connection, running, port, u"token"));
     EXPECT_THAT(log.lines(),
                 Contains("Exception: connect: Failed to connect to server at port " + std::to_string(port)));
   }
@@ -103,9 +102,9 @@ TEST_F(RunDaemon, DrainsTheMessageQueueWhileTheWorkerIsIdle) {
 
 TEST_F(RunDaemon, RefusesASecondRunWhileOneIsUnderWay) {
   running = true;
-  EXPECT_FALSE(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token"));
+  EXPECT_FALSE(RunCorvantisDaemon(*job, *connection, running, worker->port(), u"token"));
   EXPECT_TRUE(running);
-  EXPECT_FALSE(socket->isConnected());
+  EXPECT_FALSE(connection->isConnected());
   const std::string text = "RunCorvantisDaemon() was executed while the daemon is already running.";
   EXPECT_THAT(log.lines(), Contains(text));
   EXPECT_EQ(support::narrow(scripts.printed()), text);
@@ -142,30 +141,28 @@ TEST_F(RunDaemon, RefusesAnOversizedMessage) {
 
 TEST_F(RunDaemon, ReportsEveryKindOfExceptionByItsType) {
   using Value = hostsdk::Value;
-  EXPECT_FALSE(runScript([](auto&) -> Value* { throw std::bad_alloc(); },
-                         "ERROR: Exception caught in 3ds max: Out of memory.  There was not enough memory available to "
-                         "fulfill a memory request."));
-  EXPECT_THAT(log.lines(), Contains("Exception: std::bad_alloc"));
-
-  startAfresh();
-  EXPECT_FALSE(
-      runScript([](auto&) -> Value* { throw std::logic_error("odd"); }, "ERROR: Exception caught in 3ds max: odd"));
-  EXPECT_THAT(log.lines(), Contains("Exception: odd"));
-
-  startAfresh();
-  EXPECT_FALSE(runScript([](auto&) -> Value* { throw hostsdk::MAXException(u"host \u00e9rror"); },
-                         "ERROR: MAXException caught in 3ds max: host \u00e9rror"));
-  EXPECT_THAT(log.lines(), Contains("MAXException: host \xe9rror"));
-
-  startAfresh();
-  EXPECT_FALSE(
-      runScript([](auto&) -> Value* { throw 5; }, "ERROR: Unknown exception caught. (3ds max may have crashed)"));
-  EXPECT_THAT(log.lines(), Contains("Unknown exception caught"));
-
+  const struct {
+    support::FakeScriptRuntime::Evaluation script;
+    std::string reply, logged;
+  } cases[] = {
+      {[](auto&) -> Value* { throw std::bad_alloc(); },
+       "Exception caught in 3ds max: Out of memory.  There was not enough memory available to fulfill a memory "
+       "request.",
+       "Exception: std::bad_alloc"},
+      {[](auto&) -> Value* { throw std::logic_error("odd"); }, "Exception caught in 3ds max: odd", "Exception: odd"},
+      {[](auto&) -> Value* { throw hostsdk::MAXException(u"host \u00e9rror"); },
+       "MAXException caught in 3ds max: host \u00e9rror", "MAXException: host \xe9rror"},
+      {[](auto&) -> Value* { throw 5; }, "Unknown exception caught. (3ds max may have crashed)",
+       "Unknown exception caught"},
+      {[](auto&) -> Value* { throw hostsdk::RuntimeError(u"bad"); },
+       "Exception caught in 3ds max: -- Runtime error: bad", "Exception: -- Runtime error: bad"},
+  };
+  for (const auto& c : cases) {
+    startAfresh();
+    EXPECT_FALSE(runScript(c.script, "ERROR: " + c.reply));
+    EXPECT_THAT(log.lines(), Contains(c.logged));
+  }
   // A script error inside an evaluation is a standard exception with what it prints; elsewhere it comes as it is.
-  startAfresh();
-  EXPECT_FALSE(runScript([](auto&) -> Value* { throw hostsdk::RuntimeError(u"bad"); },
-                         "ERROR: Exception caught in 3ds max: -- Runtime error: bad"));
   startAfresh();
   host.calls.on("SetTime", []() -> std::optional<int> { throw hostsdk::RuntimeError(u"time"); });
   worker->handshake("token").send("ExecuteMaxScriptFile,a.ms,true,1,false").expect("STARTED");
@@ -187,10 +184,10 @@ TEST_F(RunDaemon, SurvivesAFaultInACommandAndCanRunAgain) {
       testing::StartsWith("ERROR: SEH exception: SEH Exception trapped in 3ds max: Access Violation\nProcess:  "));
   EXPECT_FALSE(run());
   EXPECT_THAT(log.lines(), Contains("SEH exception caught"));
-  EXPECT_TRUE(socket->isConnected());
+  EXPECT_TRUE(connection->isConnected());
 
   startAfresh();
-  EXPECT_TRUE(runLine("Nonsense", {"ERROR: Unexpected command \"Nonsense\" received."}));
+  runLines({{"Nonsense", "ERROR: Unexpected command \"Nonsense\" received."}});
 }
 
 TEST_F(RunDaemon, AbandonsACommandWhoseWaitTimedOut) {
@@ -215,7 +212,7 @@ TEST_F(RunDaemon, PassesOnTheFailureToReport) {
     throw std::runtime_error(std::string(100000, 'x'));
   };
   worker->start();
-  EXPECT_THROW(RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token"), win32::simple_socket_error);
+  EXPECT_THROW(RunCorvantisDaemon(*job, *connection, running, worker->port(), u"token"), win32::simple_socket_error);
   EXPECT_FALSE(running);
   worker->finish();
 }

@@ -13,11 +13,11 @@ namespace {
 
 using hostsdk::FPParams;
 using hostsdk::FPValue;
-using hostsdk::kTypeBool;
-using hostsdk::kTypeFloat;
-using hostsdk::kTypeInt;
-using hostsdk::kTypeValue;
-using hostsdk::kTypeVoid;
+using hostsdk::kFpTypeBool;
+using hostsdk::kFpTypeFloat;
+using hostsdk::kFpTypeInt;
+using hostsdk::kFpTypeValue;
+using hostsdk::kFpTypeVoid;
 using testing::ElementsAre;
 
 constexpr std::uint32_t kFlags = 4;
@@ -100,16 +100,16 @@ TEST_F(FunctionPublishing, DescribesEverySignatureByItsTypes) {
   EXPECT_EQ(published.name, u"Sample");
   EXPECT_EQ(published.flags, kFlags);
 
-  const std::vector<std::vector<int>> expected = {{kTypeBool, kTypeValue, kTypeValue},
-                                                  {kTypeBool},
-                                                  {kTypeBool, kTypeInt},
-                                                  {kTypeVoid, kTypeValue},
-                                                  {kTypeBool, kTypeFloat},
-                                                  {kTypeValue, kTypeValue},
-                                                  {kTypeInt, kTypeValue},
-                                                  {kTypeValue, kTypeInt, kTypeValue},
-                                                  {kTypeValue, kTypeInt},
-                                                  {kTypeBool, kTypeInt, kTypeValue}};
+  const std::vector<std::vector<int>> expected = {{kFpTypeBool, kFpTypeValue, kFpTypeValue},
+                                                  {kFpTypeBool},
+                                                  {kFpTypeBool, kFpTypeInt},
+                                                  {kFpTypeVoid, kFpTypeValue},
+                                                  {kFpTypeBool, kFpTypeFloat},
+                                                  {kFpTypeValue, kFpTypeValue},
+                                                  {kFpTypeInt, kFpTypeValue},
+                                                  {kFpTypeValue, kFpTypeInt, kFpTypeValue},
+                                                  {kFpTypeValue, kFpTypeInt},
+                                                  {kFpTypeBool, kFpTypeInt, kFpTypeValue}};
   ASSERT_EQ(published.functions.size(), expected.size());
   for (std::size_t i = 0; i < expected.size(); ++i)
     EXPECT_EQ(codes(published.functions[i]), expected[i]) << "function " << i;
@@ -125,9 +125,9 @@ TEST_F(FunctionPublishing, DescribesEverySignatureByItsTypes) {
   EXPECT_EQ(published.properties[0].getter, 9);
   EXPECT_EQ(published.properties[0].setter, hostsdk::kNoFunction);
   EXPECT_EQ(published.properties[0].name, u"j");
-  EXPECT_EQ(published.properties[0].type, kTypeInt);
+  EXPECT_EQ(published.properties[0].type, kFpTypeInt);
   EXPECT_EQ(published.properties[1].getter, 10);
-  EXPECT_EQ(published.properties[1].type, kTypeValue);
+  EXPECT_EQ(published.properties[1].type, kFpTypeValue);
 }
 
 TEST_F(FunctionPublishing, GivenIdsKeepTheirNumberAndDoNotAdvanceTheCounter) {
@@ -157,17 +157,17 @@ TEST_F(FunctionPublishing, ConvertsParametersAndResults) {
   FPValue result;
   FPParams params = block({FPValue::ofInt(2), textParameter(u"key")});
   EXPECT_EQ(sample.Invoke(0, 100, result, &params), hostsdk::kDispatchOk);
-  EXPECT_EQ(result.type, kTypeValue);
+  EXPECT_EQ(result.type, kFpTypeValue);
   EXPECT_EQ(result.v, scripts.ok());
 
   params = block({textParameter(u"four")});
   sample.Invoke(1, result, &params);
-  EXPECT_EQ(result.type, kTypeInt);
+  EXPECT_EQ(result.type, kFpTypeInt);
   EXPECT_EQ(result.i, 4);
 
   params = block({FPValue::ofFloat(0.75F)});
   sample.Invoke(2, result, &params);
-  EXPECT_EQ(result.type, kTypeBool);
+  EXPECT_EQ(result.type, kFpTypeBool);
   EXPECT_EQ(result.i, 1);
 
   result = FPValue::ofInt(99);
@@ -240,27 +240,6 @@ TEST_F(FunctionPublishing, RefusesTheDefaultInterfaceId) {
   EXPECT_EQ(hostsdk::registeredInterfaces().size(), before);
   EXPECT_THAT(host.calls.lines(), testing::Contains(testing::AllOf(testing::HasSubstr("FF Function Publishing Wrapper"),
                                                                    testing::HasSubstr(text))));
-}
-
-TEST(DescriptorBuffer, HoldsOneSlotAnEntryAndGrowsByHalf) {
-  DescriptorBuffer buffer;
-  EXPECT_EQ(buffer.capacity(), 1024U);
-  static const char16_t text[] = u"text";
-  buffer.addText(text);
-  buffer.addInteger(0xFFFFFFFF);
-  // 125 slots leave 24 bytes, the least that a text needs without growing; after 126 an integer needs 4 more.
-  while (buffer.slotCount() < 125) buffer.addInteger(7);
-  buffer.addText(text);
-  EXPECT_EQ(buffer.capacity(), 1024U);
-  buffer.addInteger(8);
-  EXPECT_EQ(buffer.capacity(), 1536U);
-  while (buffer.slotCount() < 4000) buffer.addInteger(9);
-  const std::size_t sizes[] = {1536, 2304, 3456, 5184, 7776, 11664, 17496, 26244, 39366};
-  EXPECT_EQ(buffer.capacity(), sizes[8]);
-  EXPECT_EQ(reinterpret_cast<const char16_t*>(buffer.slots()[0]), text);
-  EXPECT_EQ(buffer.slots()[1], 0xFFFFFFFFU);
-  EXPECT_EQ(buffer.slots()[126], 8U);
-  EXPECT_EQ(buffer.slots()[3999], 9U);
 }
 
 }  // namespace

@@ -55,9 +55,9 @@ class InterfaceTest : public testing::Test {
 
   // A result as a script would see it.
   std::string shown(const hostsdk::FPValue& value) {
-    if (value.type == hostsdk::kTypeInt) return std::to_string(value.i);
-    if (value.type == hostsdk::kTypeBool) return value.i != 0 ? "true" : "false";
-    if (value.type != hostsdk::kTypeValue) return "nothing";
+    if (value.type == hostsdk::kFpTypeInt) return std::to_string(value.i);
+    if (value.type == hostsdk::kFpTypeBool) return value.i != 0 ? "true" : "false";
+    if (value.type != hostsdk::kFpTypeValue) return "nothing";
     return value.v == scripts.undefined() ? "undefined" : "\"" + support::narrow(value.v->text().value()) + "\"";
   }
 

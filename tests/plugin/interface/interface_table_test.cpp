@@ -12,8 +12,8 @@ using hostsdk::FPValue;
 class InterfaceTable : public InterfaceTest {};
 
 TEST_F(InterfaceTable, PublishesEveryEntryUnderItsId) {
-  constexpr int f = hostsdk::kTypeFloat, i = hostsdk::kTypeInt, n = hostsdk::kTypeVoid, v = hostsdk::kTypeValue,
-                b = hostsdk::kTypeBool;
+  constexpr int f = hostsdk::kFpTypeFloat, i = hostsdk::kFpTypeInt, n = hostsdk::kFpTypeVoid, v = hostsdk::kFpTypeValue,
+                b = hostsdk::kFpTypeBool;
   const hostsdk::PublishedInterface& published = tessarynUtil->published();
   EXPECT_EQ(published.name, u"TessarynUtil");
   EXPECT_EQ(published.id, (hostsdk::Interface_ID{0x83928748, 0xA38F941E}));

@@ -5,9 +5,6 @@
 
 #include "plugin/interface/mxs/evaluate.h"
 #include "plugin/interface/mxs/run_script.h"
-#include "plugin/interface/mxs/file_in.h"
-#include "plugin/interface/mxs/frame.h"
-#include "plugin/interface/mxs/listener.h"
 #include "support/fake_host.h"
 #include "support/fake_script_runtime.h"
 #include "support/temporary_folder.h"

@@ -28,6 +28,11 @@ void relayWarnLine(win32::simple_socket& connection, const std::u16string& text)
 void sendTitle(win32::simple_socket& connection, const std::u16string& title);
 bool sendProgress(win32::simple_socket& connection, float percent);
 
+// The same two for the render callback, which drains the queue itself and reports what cannot be sent: they only send,
+// and throw the socket's errors.
+void postTitle(win32::simple_socket& connection, const std::u16string& title);
+void postProgress(win32::simple_socket& connection, float percent);
+
 // Questions. Each drains the message queue, sends its request and waits up to two minutes for an answer, which is
 // positive when it starts with "SUCCESS: "; the rest of it, which may be empty, is the value. Failures:
 // - a negative answer: std::invalid_argument, "Key " + key + " doesn't exist" unless told otherwise below;

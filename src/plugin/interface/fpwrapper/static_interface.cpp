@@ -1,4 +1,4 @@
-#include "plugin/interface/fpwrapper/interface_id.h"
+#include "plugin/interface/fpwrapper/static_interface.h"
 
 #include <stdexcept>
 

@@ -1,8 +1,10 @@
 #include "plugin/interface/mxs/run_script.h"
 
+#include <stdexcept>
 #include <utility>
 
-#include "plugin/interface/mxs/evaluate.h"
+#include "plugin/util/files.h"
+#include "plugin/util/text.h"
 
 namespace corvantis::mxs {
 namespace {
@@ -40,6 +42,27 @@ class GlobalReplacement {
   hostsdk::Value*& previous_;
 };
 
+constexpr int kDetectCodePage = -1;
+
+class OpenScript {
+ public:
+  OpenScript(hostsdk::FileStream& stream, const std::u16string& path) : stream_(stream) {
+    try {
+      stream_.open(path, u"r", kDetectCodePage);
+    } catch (const hostsdk::MAXScriptException& error) {
+      throw std::runtime_error(to_string(printedText(error)));
+    }
+  }
+  ~OpenScript() { stream_.close(); }
+  OpenScript(const OpenScript&) = delete;
+  OpenScript& operator=(const OpenScript&) = delete;
+
+  hostsdk::CharStream& stream() { return stream_; }
+
+ private:
+  hostsdk::FileStream& stream_;
+};
+
 }  // namespace
 
 executeScriptString::executeScriptString(std::u16string text)
@@ -73,6 +96,19 @@ hostsdk::Value* executeScriptString::run() {
   name = runtime_.intern(u"__corvantisMXSlocals__");
   GlobalReplacement locals(runtime_.globals(), name, locals_);
   result = evaluate(*buffer_);
+  return result;
+}
+
+hostsdk::Value* file_in(const std::u16string& path) {
+  if (!file_exists(path))
+    throw std::runtime_error("mxs::file_in() - Tried to execute a maxscript file which doesn't exist: \"" +
+                             to_string(path) + "\"");
+  frame<2> values;
+  hostsdk::FileStream* stream = hostsdk::scriptRuntime().newFileStream();
+  values.link() = stream;
+  OpenScript script(*stream, path);
+  hostsdk::Value*& result = values.link();
+  result = evaluate(script.stream());
   return result;
 }
 

@@ -1,11 +1,10 @@
-// Running a piece of script text.
+// Running scripts: a piece of text, or a file. evaluate.h tells how long the values live, and what a script error is.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-#include "hostsdk/script_runtime.h"
-#include "plugin/interface/mxs/frame.h"
+#include "plugin/interface/mxs/evaluate.h"
 
 namespace corvantis::mxs {
 
@@ -18,9 +17,9 @@ class executeScriptString {
   executeScriptString(const executeScriptString&) = delete;
   executeScriptString& operator=(const executeScriptString&) = delete;
 
-  // Runs the text as one parenthesised block and gives the value of its last expression (see evaluate for how long it
-  // lives, and for script errors). While it runs the global __corvantisMXSlocals__ is an empty array that the script
-  // may use; afterwards the global is as it was. To be called once.
+  // Runs the text as one parenthesised block and gives the value of its last expression. While it runs the global
+  // __corvantisMXSlocals__ is an empty array that the script may use; afterwards the global is as it was. To be called
+  // once.
   hostsdk::Value* run();
 
  private:
@@ -33,5 +32,10 @@ class executeScriptString {
   hostsdk::CharStream* savedOutput_;
   std::u16string text_;
 };
+
+// Runs the script file at a Windows path and gives the value of its last expression. Throws std::runtime_error
+// "mxs::file_in() - Tried to execute a maxscript file which doesn't exist: "<path>"" before anything is opened.
+// A host that cannot open the file makes this a script error.
+hostsdk::Value* file_in(const std::u16string& path);
 
 }  // namespace corvantis::mxs
