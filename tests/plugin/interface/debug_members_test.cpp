@@ -18,17 +18,9 @@ class DebugMembers : public InterfaceTest {
   std::string printed() const { return support::narrow(scripts.printed()); }
 };
 
-TEST_F(DebugMembers, RunAJob) {
+TEST_F(DebugMembers, RunAJobAndReportFailuresToListenerAndLog) {
   const support::TemporaryFolder folder;
   host.core.renderOutput.SetName(folder.wide("beauty.exr"));
-  EXPECT_TRUE(start());
-  EXPECT_TRUE(render());
-  EXPECT_TRUE(end());
-  EXPECT_EQ(printed(), "");
-  EXPECT_EQ(host.core.time, 5 * host.core.ticksPerFrame);
-}
-
-TEST_F(DebugMembers, ReportFailuresToListenerAndLog) {
   EXPECT_FALSE(end());
   const std::string text = "EndJob called when consistency check flag jobRunning was not set";
   EXPECT_EQ(printed(), "Exception: " + text + "\n");
@@ -38,6 +30,12 @@ TEST_F(DebugMembers, ReportFailuresToListenerAndLog) {
   EXPECT_TRUE(start());
   EXPECT_FALSE(start());
   EXPECT_THAT(log.lines(), Contains("StartJob called when job was already running."));
+  EXPECT_TRUE(render());
+  EXPECT_EQ(host.core.time, 5 * host.core.ticksPerFrame);
+  host.calls.on("ResetScene", support::throwingMax(u"reset"));
+  EXPECT_THROW(end(), hostsdk::MAXException) << "the host's own errors reach the script";
+  host.calls.off("ResetScene");
+  EXPECT_TRUE(end());
 }
 
 TEST_F(DebugMembers, ReportFaultsToListenerAndLog) {
@@ -53,12 +51,6 @@ TEST_F(DebugMembers, ReportFaultsToListenerAndLog) {
   host.calls.on("ResetScene", support::writingToNull());
   EXPECT_FALSE(end());
   EXPECT_THAT(log.lines(), Contains("Trapped SEH Exception in EndJob(): Access Violation"));
-}
-
-TEST_F(DebugMembers, HostErrorsReachTheScript) {
-  host.calls.on("ResetScene", support::throwingMax(u"reset"));
-  EXPECT_TRUE(start());
-  EXPECT_THROW(end(), hostsdk::MAXException);
 }
 
 }  // namespace

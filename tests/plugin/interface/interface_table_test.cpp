@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "interface_fixture.h"
 
 namespace corvantis {
@@ -19,12 +21,8 @@ TEST_F(InterfaceTable, PublishesEveryEntryUnderItsId) {
   EXPECT_EQ(published.id, (hostsdk::Interface_ID{0x83928748, 0xA38F941E}));
   EXPECT_EQ(published.flags, 4U);
 
-  const struct {
-    int id;
-    std::u16string name;
-    int result;
-    std::vector<std::pair<std::u16string, int>> parameters;
-  } functions[] = {
+  using Parameters = std::vector<std::pair<std::u16string, int>>;
+  const std::tuple<int, std::u16string, int, Parameters> functions[] = {
       {0, u"Debug_StartJob", b, {{u"fileName", v}, {u"cameraName", v}}},
       {1, u"Debug_EndJob", b, {}},
       {2, u"Debug_RenderFrame", b, {{u"frameIndex", i}}},
@@ -44,26 +42,21 @@ TEST_F(InterfaceTable, PublishesEveryEntryUnderItsId) {
   };
   ASSERT_EQ(published.functions.size(), std::size(functions));
   for (std::size_t k = 0; k < std::size(functions); ++k) {
-    EXPECT_EQ(published.functions[k].id, functions[k].id);
-    EXPECT_EQ(published.functions[k].name, functions[k].name);
-    EXPECT_EQ(published.functions[k].resultType, functions[k].result);
-    std::vector<std::pair<std::u16string, int>> parameters;
-    for (const auto& parameter : published.functions[k].parameters)
-      parameters.emplace_back(parameter.name, parameter.type);
-    EXPECT_EQ(parameters, functions[k].parameters);
+    const hostsdk::PublishedFunction& function = published.functions[k];
+    Parameters parameters;
+    for (const auto& parameter : function.parameters) parameters.emplace_back(parameter.name, parameter.type);
+    EXPECT_EQ(std::tuple(int{function.id}, function.name, function.resultType, parameters), functions[k]);
   }
 
-  const struct {
-    std::u16string name;
-    int type;
-  } properties[] = {{u"CurrentFrame", i},  {u"CurrentTask", i},    {u"SceneFileName", v},
-                    {u"SceneFilePath", v}, {u"JobsDataFolder", v}, {u"PluginsFolder", v}};
+  const std::pair<std::u16string, int> properties[] = {{u"CurrentFrame", i},   {u"CurrentTask", i},
+                                                       {u"SceneFileName", v},  {u"SceneFilePath", v},
+                                                       {u"JobsDataFolder", v}, {u"PluginsFolder", v}};
   ASSERT_EQ(published.properties.size(), std::size(properties));
   for (std::size_t k = 0; k < std::size(properties); ++k) {
-    EXPECT_EQ(published.properties[k].getter, 13 + k);
-    EXPECT_EQ(published.properties[k].setter, hostsdk::kNoFunction);
-    EXPECT_EQ(published.properties[k].name, properties[k].name);
-    EXPECT_EQ(published.properties[k].type, properties[k].type);
+    const hostsdk::PublishedProperty& property = published.properties[k];
+    EXPECT_EQ(property.getter, 13 + k);
+    EXPECT_EQ(property.setter, hostsdk::kNoFunction);
+    EXPECT_EQ(std::pair(property.name, property.type), properties[k]);
   }
 }
 
