@@ -22,11 +22,16 @@ Check is(Field Group::*field, const std::type_identity_t<Field>& value) {
 }
 
 struct Case {
-  std::string line;
-  std::string reply;  // empty: none
+  std::string line, reply;
   Log log;
   std::vector<Check> checks;
 };
+
+// A line that is carried out, and one that is refused with this text after its word.
+Case stored(const std::string& line, std::vector<Check> checks, Log log = {}) { return {line, "", log, checks}; }
+Case refused(const std::string& line, const std::string& text, std::vector<Check> checks) {
+  return {line, "ERROR: " + line.substr(0, line.find(',')) + ": Parameter " + text, {}, checks};
+}
 
 class SettingsCommands : public DaemonTest {
  protected:
@@ -66,35 +71,31 @@ TEST_F(SettingsCommands, FlagsAreSetWhateverFollows) {
   };
   for (const auto& flag : flags)
     for (const char* parameters : {"", ",", ",false,0"})
-      check({{flag.word + parameters, "", {}, {is(flag.flag, flag.value)}}},
+      check({stored(flag.word + parameters, {is(flag.flag, flag.value)})},
             [&](S& settings) { settings.*flag.flag = !flag.value; });
 }
 
 TEST_F(SettingsCommands, AnotherNumberOfParametersSwitchesOff) {
+  const std::string override = "Overriding save file option";
   const struct {
-    std::string line, logged;
+    std::string line, required;
     bool S::*flag;
     std::string announced;
   } switches[] = {
-      {"UseJpegOutput", "UseJpegOutput: requires 1 parameters, got 0", &S::useJpegOutput, ""},
-      {"UseJpegOutput,a,b", "UseJpegOutput: requires 1 parameters, got 2", &S::useJpegOutput, ""},
-      {"FailOnBlackFrames,40", "FailOnBlackFrames: requires 2 parameters, got 1", &S::failOnBlackFrames, ""},
-      {"OverrideSaveFile,1,1", "OverrideSaveFile: requires 1 parameters, got 2", &S::overrideSaveFile,
-       "Overriding save file option"},
-      {"OverrideSaveFile", "OverrideSaveFile: requires 1 parameters, got 0", &S::overrideSaveFileValue,
-       "Overriding save file option"},
-      {"OutputImageFilename", "OutputImageFilename: requires 1 parameters, got 0", &S::useOutputImageFilename,
-       "Setting output image filename"},
-      {"OutputImageReFilename,0", "OutputImageReFilename: requires 2 parameters, got 1", &S::useRenderElementFilenames,
-       ""},
-      {"GammaCorrection,1", "GammaCorrection: requires 2 parameters, got 1", &S::gammaCorrection, ""},
-      {"PathConfigFile", "PathConfigFile: requires 1 parameters, got 0", &S::usePathConfigFile,
-       "Setting alternate path config file"},
+      {"UseJpegOutput", "1 parameters, got 0", &S::useJpegOutput, ""},
+      {"UseJpegOutput,a,b", "1 parameters, got 2", &S::useJpegOutput, ""},
+      {"FailOnBlackFrames,40", "2 parameters, got 1", &S::failOnBlackFrames, ""},
+      {"OverrideSaveFile,1,1", "1 parameters, got 2", &S::overrideSaveFile, override},
+      {"OverrideSaveFile", "1 parameters, got 0", &S::overrideSaveFileValue, override},
+      {"OutputImageFilename", "1 parameters, got 0", &S::useOutputImageFilename, "Setting output image filename"},
+      {"OutputImageReFilename,0", "2 parameters, got 1", &S::useRenderElementFilenames, ""},
+      {"GammaCorrection,1", "2 parameters, got 1", &S::gammaCorrection, ""},
+      {"PathConfigFile", "1 parameters, got 0", &S::usePathConfigFile, "Setting alternate path config file"},
   };
   for (const auto& s : switches) {
-    Log lines = {s.logged + ", setting to false"};
+    Log lines = {s.line.substr(0, s.line.find(',')) + ": requires " + s.required + ", setting to false"};
     if (!s.announced.empty()) lines.insert(lines.begin(), s.announced);
-    check({{s.line, "", lines, {is(s.flag, false), is(&S::outputImageFilename, u"kept")}}}, [&](S& settings) {
+    check({stored(s.line, {is(s.flag, false), is(&S::outputImageFilename, u"kept")}, lines)}, [&](S& settings) {
       settings.*s.flag = true;
       settings.outputImageFilename = u"kept";
     });
@@ -102,50 +103,32 @@ TEST_F(SettingsCommands, AnotherNumberOfParametersSwitchesOff) {
 }
 
 TEST_F(SettingsCommands, StoreTheirValues) {
-  const auto invalidBase = [](const std::string& given) {
-    return Case{"FrameNumberBase," + given,
-                "ERROR: FrameNumberBase: Parameter 1, \"" + given + "\", is not a valid value for frame number base.",
-                {},
-                {is(&S::frameNumberBase, 0)}};
+  const auto noBase = [](const std::string& given) {
+    return refused("FrameNumberBase," + given, "1, \"" + given + "\", is not a valid value for frame number base.",
+                   {is(&S::frameNumberBase, 0)});
   };
   const auto gamma = [](bool on, float in, float out) {
     return std::vector<Check>{is(&S::gammaCorrection, on), is(&S::gammaIn, in), is(&S::gammaOut, out)};
   };
   check({
-      {"SlaveFolders,C:/jobs/1,\\\\\\\\srv\\\\plug/ins",
-       "",
-       {},
-       {is(&S::jobsDataFolder, u"C:\\jobs\\1"), is(&S::pluginsFolder, u"\\\\srv\\plug\\ins")}},
-      {"TempFolder,D:/temp/", "", {}, {is(&S::tempFolder, u"D:\\temp\\")}},
-      {"TempFolder,\u00fc\u4e2d", "", {}, {is(&S::tempFolder, u"\u00fc\u4e2d")}},
-      {"FrameNumberBase,1000", "", {}, {is(&S::frameNumberBase, 1000)}},
-      {"FrameNumberBase,-2147483648", "", {}, {is(&S::frameNumberBase, -2147483648)}},
-      {"FrameNumberBase,+5", "", {}, {is(&S::frameNumberBase, 5)}},
-      invalidBase("2147483648"),
-      invalidBase(" 1"),
-      invalidBase("1.0"),
-      invalidBase(""),
-      {"UseJpegOutput,C:/a.jpg", "", {}, {is(&S::useJpegOutput, true), is(&S::jpegOutputPath, u"C:/a.jpg")}},
-      {"OutputImageFilename,C:/out/\u00e4.exr",
-       "",
-       {"Setting output image filename", "Saving output to C:/out/\xe4.exr"},
-       {is(&S::useOutputImageFilename, true), is(&S::outputImageFilename, u"C:/out/\u00e4.exr")}},
-      {"PathConfigFile,C:/paths.mxp",
-       "",
-       {"Setting alternate path config file", "Using alternate path config file C:/paths.mxp"},
-       {is(&S::usePathConfigFile, true), is(&S::pathConfigFile, u"C:/paths.mxp")}},
-      {"GammaCorrection,2.2,1e-7",
-       "",
-       {"Enabling gamma correction", "Gamma in: 2.2", "Gamma out: 1e-07"},
-       gamma(true, 2.2F, 1e-7F)},
-      {"GammaCorrection,2.2,x",
-       "ERROR: GammaCorrection: Parameter 2, \"x\", is not a valid gamma value.",
-       {},
-       gamma(false, 2.2F, 1.0F)},
-      {"GammaCorrection,2.2 ,3",
-       "ERROR: GammaCorrection: Parameter 1, \"2.2 \", is not a valid gamma value.",
-       {},
-       gamma(false, 1.0F, 1.0F)},
+      stored("SlaveFolders,C:/jobs/1,\\\\\\\\srv\\\\plug/ins",
+             {is(&S::jobsDataFolder, u"C:\\jobs\\1"), is(&S::pluginsFolder, u"\\\\srv\\plug\\ins")}),
+      stored("TempFolder,D:/\u00fc\u4e2d/", {is(&S::tempFolder, u"D:\\\u00fc\u4e2d\\")}),
+      stored("FrameNumberBase,1000", {is(&S::frameNumberBase, 1000)}),
+      stored("FrameNumberBase,-2147483648", {is(&S::frameNumberBase, -2147483648)}),
+      noBase("2147483648"),
+      noBase("1.0"),
+      noBase(""),
+      stored("UseJpegOutput,C:/a.jpg", {is(&S::useJpegOutput, true), is(&S::jpegOutputPath, u"C:/a.jpg")}),
+      stored("OutputImageFilename,C:/out/\u00e4.exr",
+             {is(&S::useOutputImageFilename, true), is(&S::outputImageFilename, u"C:/out/\u00e4.exr")},
+             {"Setting output image filename", "Saving output to C:/out/\xe4.exr"}),
+      stored("PathConfigFile,C:/paths.mxp", {is(&S::usePathConfigFile, true), is(&S::pathConfigFile, u"C:/paths.mxp")},
+             {"Setting alternate path config file", "Using alternate path config file C:/paths.mxp"}),
+      stored("GammaCorrection,2.2,1e-7", gamma(true, 2.2F, 1e-7F),
+             {"Enabling gamma correction", "Gamma in: 2.2", "Gamma out: 1e-07"}),
+      refused("GammaCorrection,2.2,x", "2, \"x\", is not a valid gamma value.", gamma(false, 2.2F, 1.0F)),
+      refused("GammaCorrection,2.2 ,3", "1, \"2.2 \", is not a valid gamma value.", gamma(false, 1.0F, 1.0F)),
   });
 }
 
@@ -157,14 +140,14 @@ TEST_F(SettingsCommands, FailOnBlackFrames) {
   const std::string percentage = "FailOnBlackFrames: Parameter 1, \"abc\", is not a valid percentage.";
   const std::string threshold = "FailOnBlackFrames: Parameter 2, \"x\", is not a valid threshold.";
   check({
-      {"FailOnBlackFrames,150,0.5", "", {}, holds(true, 100, 0.5F)},
-      {"FailOnBlackFrames,-3,2", "", {}, holds(true, 0, 1.0F)},
-      {"FailOnBlackFrames,40,-1e3", "", {}, holds(true, 40, 0.0F)},
-      {"FailOnBlackFrames,40,inf", "", {}, holds(true, 40, 1.0F)},
-      {"FailOnBlackFrames,40,NaN", "", {}, {[](const S& s) { return std::isnan(s.blackPixelThreshold); }}},
-      {"FailOnBlackFrames,abc,0.5", "", {percentage}, holds(false, 0, 0.5F)},
-      {"FailOnBlackFrames,40,x", "", {threshold}, holds(false, 40, 0.0F)},
-      {"FailOnBlackFrames,abc,x", "", {percentage, threshold}, holds(false, 0, 0.0F)},
+      stored("FailOnBlackFrames,150,0.5", holds(true, 100, 0.5F)),
+      stored("FailOnBlackFrames,-3,2", holds(true, 0, 1.0F)),
+      stored("FailOnBlackFrames,40,-1e3", holds(true, 40, 0.0F)),
+      stored("FailOnBlackFrames,40,inf", holds(true, 40, 1.0F)),
+      stored("FailOnBlackFrames,40,NaN", {[](const S& s) { return std::isnan(s.blackPixelThreshold); }}),
+      stored("FailOnBlackFrames,abc,0.5", holds(false, 0, 0.5F), {percentage}),
+      stored("FailOnBlackFrames,40,x", holds(false, 40, 0.0F), {threshold}),
+      stored("FailOnBlackFrames,abc,x", holds(false, 0, 0.0F), {percentage, threshold}),
   });
 }
 
@@ -173,25 +156,23 @@ TEST_F(SettingsCommands, OverrideSaveFileTakesABoolean) {
     return std::vector<Check>{is(&S::overrideSaveFile, true), is(&S::overrideSaveFileValue, value)};
   };
   const std::string first = "Overriding save file option";
-  check({{"OverrideSaveFile,1", "", {first, first + " to 1"}, holds(true)},
-         {"OverrideSaveFile,0", "", {first, first + " to 0"}, holds(false)},
-         {"OverrideSaveFile,+01", "", {first, first + " to 1"}, holds(true)}});
+  check({stored("OverrideSaveFile,1", holds(true), {first, first + " to 1"}),
+         stored("OverrideSaveFile,0", holds(false), {first, first + " to 0"})});
 
-  // Anything else ends the conversation.
+  // Anything else ends the conversation, with the override in force.
   startAfresh();
   worker->handshake("token").send("OverrideSaveFile,true");
   worker->expect(
       "ERROR: Exception caught in 3ds max: bad lexical cast: source type value could not be interpreted as target");
   EXPECT_FALSE(run());
-  EXPECT_TRUE(holds(false)[0](job->settings) && holds(false)[1](job->settings));
+  EXPECT_TRUE(job->settings.overrideSaveFile && !job->settings.overrideSaveFileValue);
 }
 
 TEST_F(SettingsCommands, NamesOfElements) {
   const auto named = [](const std::string& index, const Names& names) {
-    return Case{"OutputImageReFilename," + index + ",z.exr",
-                "",
-                {"Saving render element " + index + " output to z.exr"},
-                {is(&S::useRenderElementFilenames, true), is(&S::renderElementFilenames, names)}};
+    return stored("OutputImageReFilename," + index + ",z.exr",
+                  {is(&S::useRenderElementFilenames, true), is(&S::renderElementFilenames, names)},
+                  {"Saving render element " + index + " output to z.exr"});
   };
   check(
       {
@@ -199,18 +180,12 @@ TEST_F(SettingsCommands, NamesOfElements) {
           named("1", {u"a", u"z.exr"}),
           named("5", {u"a", u"b", u"z.exr"}),
           named("-1", {u"a", u"b", u"z.exr"}),
-          {"OutputImageReFilename,x,z.exr",
-           "ERROR: OutputImageReFilename: Parameter 1 , \"x\", is not a valid index.",
-           {},
-           {is(&S::useRenderElementFilenames, false), is(&S::renderElementFilenames, {u"a", u"b"})}},
-          {"IgnoreRenderElementsByName,Z,Z,\"a,b\",",
-           "",
-           {},
-           {is(&S::ignoredRenderElementNames, {u"old", u"Z", u"Z", u"a,b", u""})}},
-          {"IgnoreRenderElementsByName",
-           "",
-           {"IgnoreRenderElementsByName: did not specify any render elements to skip"},
-           {is(&S::ignoredRenderElementNames, {u"old"})}},
+          refused("OutputImageReFilename,x,z.exr", "1 , \"x\", is not a valid index.",
+                  {is(&S::useRenderElementFilenames, false), is(&S::renderElementFilenames, {u"a", u"b"})}),
+          stored("IgnoreRenderElementsByName,Z,Z,\"a,b\",",
+                 {is(&S::ignoredRenderElementNames, {u"old", u"Z", u"Z", u"a,b", u""})}),
+          stored("IgnoreRenderElementsByName", {is(&S::ignoredRenderElementNames, {u"old"})},
+                 {"IgnoreRenderElementsByName: did not specify any render elements to skip"}),
       },
       [](S& settings) {
         settings.renderElementFilenames = {u"a", u"b"};
