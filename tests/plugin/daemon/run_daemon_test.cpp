@@ -95,26 +95,20 @@ TEST_F(RunDaemon, FramesEveryCommandInTheLog) {
                                        "Command: CurrentTask,\"3\"", "CurrentTask", "3", "", "Returning TRUE"));
 }
 
-TEST_F(RunDaemon, ReportsWhatACommandCouldNotBeSplitInto) {
+TEST_F(RunDaemon, ReportsAMessageThatIsNoCommandLine) {
   const std::pair<std::string, std::string> cases[] = {
       {"StartJob,C:\\scenes\\a.max,", "unknown escape sequence"},
       {"CONTINUE\\", "cannot end with escape"},
       {"\xff", "Invalid UTF-8"},
-      {"\xed\xa0\x80", "Invalid code point"},
-      {"\xe4\xb8", "Not enough space"},
-  };
+      {"", "simple_socket::receive: Invalid packet size (given 100001)"}};
   for (const auto& [line, text] : cases) {
     startAfresh();
-    worker->handshake("token").send(line).expect("ERROR: Exception caught in 3ds max: " + text);
+    worker->handshake("token");
+    line.empty() ? worker->stallAfterHeader(100001) : worker->send(line);
+    worker->expect("ERROR: Exception caught in 3ds max: " + text);
     EXPECT_FALSE(run());
     EXPECT_THAT(log.lines(), Contains("Exception: " + text));
   }
-}
-
-TEST_F(RunDaemon, RefusesAnOversizedMessage) {
-  worker->handshake("token").stallAfterHeader(100001);
-  worker->expect("ERROR: Exception caught in 3ds max: simple_socket::receive: Invalid packet size (given 100001)");
-  EXPECT_FALSE(run());
 }
 
 TEST_F(RunDaemon, ReportsEveryKindOfExceptionByItsType) {

@@ -108,14 +108,6 @@ TEST_F(ScriptCommands, AFileMayRunAtAFrame) {
   EXPECT_EQ(host.calls.count("SetTime"), 0);
 }
 
-TEST_F(ScriptCommands, AMissingFileEndsTheConversation) {
-  worker->handshake("token").send("ExecuteMaxScriptFile,/no/such.ms,false,0,false").expect("STARTED");
-  worker->expect(
-      "ERROR: Exception caught in 3ds max: mxs::file_in() - Tried to execute a maxscript file which doesn't exist: "
-      "\"/no/such.ms\"");
-  EXPECT_FALSE(run());
-}
-
 TEST_F(ScriptCommands, StringResultsBecomeReplies) {
   const struct {
     std::function<hostsdk::Value*()> value;

@@ -14,9 +14,6 @@ namespace {
 
 using hostsdk::FPParams;
 using hostsdk::FPValue;
-using hostsdk::kFpTypeBool;
-using hostsdk::kFpTypeInt;
-using hostsdk::kFpTypeValue;
 using testing::ElementsAre;
 
 constexpr std::uint32_t kFlags = 4;
@@ -32,15 +29,9 @@ class Sample : public FFStaticInterface<Sample, kFlags> {
     descriptor.finish();
   }
 
-  bool textText(const std::u16string& a, const std::u16string& b) { return note(a + u"|" + b), true; }
+  bool textText(const std::u16string& a, const std::u16string& b) { return noted.push_back(a + b), true; }
   bool nothing() { return false; }
-  bool integer(std::int32_t value) { return value > 0; }
-  void text(const std::u16string& value) { note(value); }
-  bool real(float value) { return value > 0.5F; }
-  std::int32_t integerOfText(const std::u16string& value) { return static_cast<std::int32_t>(value.size()); }
-  hostsdk::Value* valueOfIntegerText(std::int32_t index, const std::u16string& key) {
-    return note(key + char16_t(u'0' + index)), answer;
-  }
+  void text(const std::u16string& value) { noted.push_back(value); }
   std::int32_t getInteger() { return -7; }
 
   void standardError(const std::u16string& message) {
@@ -49,9 +40,7 @@ class Sample : public FFStaticInterface<Sample, kFlags> {
   void hostError() { throw hostsdk::MAXException(u"host", 3); }
   void scriptError() { throw hostsdk::RuntimeError(u"script"); }
 
-  void note(const std::u16string& text) { noted.push_back(text); }
   std::vector<std::u16string> noted;
-  hostsdk::Value* answer = nullptr;
 };
 
 class FunctionPublishing : public testing::Test {
@@ -79,7 +68,7 @@ class FunctionPublishing : public testing::Test {
 
 TEST_F(FunctionPublishing, NamesParametersAndCountsFunctionsAndPropertiesAlike) {
   const Sample sample([](auto& descriptor) {
-    descriptor.addFunction(&Sample::valueOfIntegerText, u"whole", {u"index", u"key"});
+    descriptor.addFunction(&Sample::textText, u"whole", {u"first", u"second"});
     descriptor.addReadOnlyProperty(&Sample::getInteger, u"property");
     descriptor.addFunction(&Sample::textText, u"half", {u"port"});
   });
@@ -90,7 +79,7 @@ TEST_F(FunctionPublishing, NamesParametersAndCountsFunctionsAndPropertiesAlike) 
   EXPECT_EQ(published.flags, kFlags);
   ASSERT_EQ(published.functions.size(), 2U);
   EXPECT_EQ(published.functions[0].id, 0);
-  EXPECT_EQ(published.functions[0].parameters[1].name, u"key");
+  EXPECT_EQ(published.functions[0].parameters[1].name, u"second");
   EXPECT_EQ(published.functions[1].id, 2);
   EXPECT_EQ(published.functions[1].parameters[0].name, u"port");
   EXPECT_EQ(published.functions[1].parameters[1].name, u"Param2");
@@ -104,7 +93,7 @@ TEST_F(FunctionPublishing, GivenIdsKeepTheirNumberAndDoNotAdvanceTheCounter) {
     descriptor.addFunction(&Sample::nothing, u"given", {}, 500);
     descriptor.addFunction(&Sample::nothing, u"negative as a signed number", {}, 40000);
     descriptor.addFunction(&Sample::nothing, u"automatic", {}, 65536);
-    descriptor.addFunction(&Sample::integer, u"replaced", {}, 500);
+    descriptor.addFunction(&Sample::text, u"replaced", {}, 500);
   });
   std::vector<std::pair<hostsdk::FunctionID, std::u16string>> listed;
   for (const auto& function : sample.published().functions) listed.emplace_back(function.id, function.name);
@@ -113,41 +102,21 @@ TEST_F(FunctionPublishing, GivenIdsKeepTheirNumberAndDoNotAdvanceTheCounter) {
   EXPECT_TRUE(sample.published().properties.empty());
 }
 
-TEST_F(FunctionPublishing, ConvertsParametersAndResults) {
+TEST_F(FunctionPublishing, TextsMayBeMissingAndAFunctionWithoutAResultLeavesTheSlotAlone) {
   Sample sample([](auto& descriptor) {
-    descriptor.addFunction(&Sample::valueOfIntegerText, u"value");
-    descriptor.addFunction(&Sample::integerOfText, u"integer");
-    descriptor.addFunction(&Sample::real, u"real");
     descriptor.addFunction(&Sample::text, u"text");
     descriptor.addReadOnlyProperty(&Sample::getInteger, u"property");
   });
-  sample.answer = scripts.ok();
-  FPValue result;
-  FPParams params = block({FPValue::ofInt(2), textParameter(u"key")});
-  EXPECT_EQ(sample.Invoke(0, 100, result, &params), hostsdk::kDispatchOk);
-  EXPECT_EQ(result.type, kFpTypeValue);
-  EXPECT_EQ(result.v, scripts.ok());
-
-  params = block({textParameter(u"four")});
-  sample.Invoke(1, result, &params);
-  EXPECT_EQ(result.type, kFpTypeInt);
-  EXPECT_EQ(result.i, 4);
-
-  params = block({FPValue::ofFloat(0.75F)});
-  sample.Invoke(2, result, &params);
-  EXPECT_EQ(result.type, kFpTypeBool);
-  EXPECT_EQ(result.i, 1);
-
-  result = FPValue::ofInt(99);
-  params = block({FPValue::ofValue(scripts.newOther(std::nullopt, u"no text of its own"))});
-  EXPECT_EQ(sample.Invoke(3, result, &params), hostsdk::kDispatchOk);
-  params = block({FPValue::ofValue(nullptr)});
-  sample.Invoke(3, result, &params);
-  EXPECT_EQ(result.i, 99) << "a function without a result leaves the slot alone";
-
-  sample.Invoke(4, result, nullptr);
+  FPValue result = FPValue::ofInt(99);
+  const std::vector<hostsdk::Value*> textless = {scripts.newOther(std::nullopt, u"no text of its own"), nullptr};
+  for (hostsdk::Value* given : textless) {
+    FPParams params = block({FPValue::ofValue(given)});
+    EXPECT_EQ(sample.Invoke(0, 100, result, &params), hostsdk::kDispatchOk);
+  }
+  EXPECT_THAT(sample.noted, ElementsAre(u"", u""));
+  EXPECT_EQ(result.i, 99);
+  sample.Invoke(1, result, nullptr);
   EXPECT_EQ(result.i, -7);
-  EXPECT_THAT(sample.noted, ElementsAre(u"key2", u"", u""));
 }
 
 TEST_F(FunctionPublishing, RefusesUnknownFunctionsAndMissingParameters) {

@@ -196,10 +196,6 @@ void expectScriptError(const Question& question, win32::simple_socket& connectio
   }
 }
 
-TEST_F(Requests, AMissingConnectionIsAScriptError) {
-  for (const Question& question : questions()) expectScriptError(question, connection, kSendUnconnected);
-}
-
 TEST_F(Requests, AWorkerThatDoesNotAnswerOrHangsUpIsAScriptError) {
   const Question question = questions().front();
   peer.expect(question.request).letTimePass(clock, 119999).letTimePass(clock, 1);
@@ -212,7 +208,7 @@ TEST_F(Requests, AWorkerThatDoesNotAnswerOrHangsUpIsAScriptError) {
   peer.finish();
 }
 
-TEST_F(Requests, TheMessageQueueIsDrainedBeforeQuestionsTitlesAndProgress) {
+TEST_F(Requests, AMissingConnectionIsAScriptErrorButTheMessageQueueIsDrainedFirst) {
   const auto drainsOf = [](const auto& operation) {
     const std::uint64_t before = platform::pumpCount();
     operation();
