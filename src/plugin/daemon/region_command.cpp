@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "hostsdk/render.h"
 #include "plugin/daemon/commands.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
@@ -92,15 +93,14 @@ ClampedRegion clamped(const Rect& region, OutputSize output) {
   return {{left, top, right, bottom}, {leftOver, topOver, rightOver, bottomOver}};
 }
 
-// The render types of the host.
-constexpr std::int32_t kNoCrop = 1, kCrop = 4;
-
 struct Mode {
   std::u16string_view word;
   std::int32_t regionType;
   bool blowUp;
 };
-constexpr Mode kModes[] = {{u"NOCROP", kNoCrop, false}, {u"CROP", kCrop, false}, {u"BLOWUP", kCrop, true}};
+constexpr Mode kModes[] = {{u"NOCROP", hostsdk::kRenderTypeWhole, false},
+                           {u"CROP", hostsdk::kRenderTypeRegion, false},
+                           {u"BLOWUP", hostsdk::kRenderTypeRegion, true}};
 
 // Padding is stored at once. nullopt after an error reply.
 std::optional<Rect> readRectangle(const CommandCall& call) {

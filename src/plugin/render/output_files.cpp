@@ -101,7 +101,7 @@ void writeOutput(JobState& job, hostsdk::Bitmap& bitmap, const hostsdk::BitmapIn
                  win32::simple_socket& connection) {
   const std::u16string& name = info.Name();
   const std::u16string companion = companionIn(parent_of(name), name);
-  if (!job.settings.localRendering) sendStdoutLine(connection, u"Writing to output file: " + name);
+  if (!job.settings.localRendering) sendStdoutLine(connection, protocol::notice::kWriting, name);
   writeImage(job.settings, bitmap, info, connection);
   if (job.settings.localRendering) {
     const std::u16string localCompanion = companionIn(job.settings.tempFolder, name);
@@ -123,7 +123,7 @@ void tryWriteJpegOutput(const JobState& job, hostsdk::Bitmap& bitmap, const host
 void moveWithRetries(const JobSettings& settings, const std::u16string& source, const std::u16string& destination,
                      win32::simple_socket& connection) {
   if (normalize_path(source) == normalize_path(destination)) {
-    sendStdoutLine(connection, u"Saved image to " + destination);
+    sendStdoutLine(connection, protocol::notice::kMoved, destination);
     return;
   }
   platform::Files& files = platform::files();
@@ -136,7 +136,7 @@ void moveWithRetries(const JobSettings& settings, const std::u16string& source, 
     const std::uint32_t result = files.copyFile(source, target);
     if (result == platform::error::kSuccess) {
       files.deleteFile(source);
-      sendStdoutLine(connection, u"Saved image to " + target);
+      sendStdoutLine(connection, protocol::notice::kMoved, target);
       return;
     }
     message = platform::systemErrorText(result);

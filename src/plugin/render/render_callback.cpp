@@ -12,7 +12,6 @@
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
-#include "protocol/words.h"
 
 namespace corvantis {
 namespace {

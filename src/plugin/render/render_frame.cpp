@@ -87,7 +87,7 @@ void nameMainOutput(JobState& job, std::int32_t frame) {
 bool skipsExisting(const JobState& job, win32::simple_socket& connection) {
   const std::u16string& name = job.outputInfo.Name();
   if (!job.hostCore.v8->RenderSkipExisting() || !file_exists(name)) return false;
-  sendStdoutLine(connection, u"Skipping frame \"" + name + u"\" because it already exists");
+  sendStdoutLine(connection, protocol::notice::kSkipping, u"\"" + name + u"\" because it already exists");
   return true;
 }
 

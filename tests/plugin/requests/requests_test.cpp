@@ -53,7 +53,7 @@ struct Notice {
 };
 
 std::vector<Notice> notices() {
-  return {{"STDOUT: MaxCorvantis: ", sendStdoutLine, true},
+  return {{"STDOUT: MaxCorvantis: ", [](auto& to, auto& text) { sendStdoutLine(to, text); }, true},
           {"WARN: MaxCorvantis: ", sendWarnLine, true},
           {"STDOUT: ", relayStdoutLine},
           {"WARN: ", relayWarnLine},

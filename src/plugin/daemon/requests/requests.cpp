@@ -7,7 +7,6 @@
 #include "platform/environment.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
-#include "protocol/words.h"
 
 namespace corvantis {
 namespace {
@@ -78,6 +77,10 @@ void pump_messages() { platform::pumpMessages(); }
 
 void sendStdoutLine(win32::simple_socket& connection, const std::u16string& text) {
   sendOwnLine(connection, notice::kStdout, text);
+}
+
+void sendStdoutLine(win32::simple_socket& connection, std::string_view beginning, const std::u16string& rest) {
+  sendStdoutLine(connection, to_wstring(std::string(beginning)) + rest);
 }
 
 void sendWarnLine(win32::simple_socket& connection, const std::u16string& text) {

@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "plugin/transport/simple_socket.h"
+#include "protocol/words.h"
 
 namespace corvantis {
 
@@ -17,6 +19,8 @@ void pump_messages();
 // Writes the text to the log, then sends "FUNCTION: STDOUT: MaxCorvantis: " (or "FUNCTION: WARN: MaxCorvantis: ") +
 // text. A connection failure is only logged: "  failed to send this message to Tessaryn because: " + its text.
 void sendStdoutLine(win32::simple_socket& connection, const std::u16string& text);
+// The text is one of the protocol's beginnings, by which the worker knows what became of a file, and what follows it.
+void sendStdoutLine(win32::simple_socket& connection, std::string_view beginning, const std::u16string& rest);
 void sendWarnLine(win32::simple_socket& connection, const std::u16string& text);
 
 // Send "FUNCTION: STDOUT: " or "FUNCTION: WARN: " + text. A connection failure is dropped silently.
