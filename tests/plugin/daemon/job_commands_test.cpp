@@ -49,40 +49,38 @@ TEST_F(JobCommands, StartJobNotesTheSceneAndLoadsIt) {
           {"ERROR: Scene does not contain render camera \"Camera\"", kLoaded});
 }
 
-TEST_F(JobCommands, StartJobReportsFailuresBeforeItsClosingReply) {
-  openJob();
-  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
-  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
-
-  startAfresh();
-  host.calls.on("SetDefaultAction", support::writingToNull());
-  worker->handshake("token").send("StartJob,a.max,");
-  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in StartJob(): Access Violation\nProcess:  "))
-      .expect(kLoaded)
-      .close();
-  EXPECT_TRUE(run());
-  EXPECT_FALSE(job->jobRunning);
-}
-
-TEST_F(JobCommands, EndJobAlwaysSucceedsInTheEnd) {
+TEST_F(JobCommands, StartAndEndReportFailuresBeforeTheyCloseWithSuccess) {
   EXPECT_TRUE(runLine("EndJob,whatever",
                       {"ERROR: EndJob called when consistency check flag jobRunning was not set", "SUCCESS"}));
   EXPECT_THAT(log.lines(), Contains("Sending error"));
 
   startAfresh();
   openJob();
-  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
-  EXPECT_FALSE(job->jobRunning);
+  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
+  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
 
   startAfresh();
   openJob();
-  host.calls.on("ResetScene", support::writingToNull());
-  worker->handshake("token").send("EndJob");
-  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in EndJob(): Access Violation\nProcess:  "))
-      .expect("SUCCESS")
-      .close();
-  EXPECT_TRUE(run());
-  EXPECT_TRUE(job->jobRunning);
+  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
+  EXPECT_FALSE(job->jobRunning);
+}
+
+TEST_F(JobCommands, AFaultLeavesTheJobAsItWas) {
+  const struct {
+    std::string line, operation, command, closing;
+    bool open;
+  } cases[] = {{"StartJob,a.max,", "SetDefaultAction", "StartJob", kLoaded, false},
+               {"EndJob", "ResetScene", "EndJob", "SUCCESS", true}};
+  for (const auto& c : cases) {
+    startAfresh();
+    if (c.open) openJob();
+    host.calls.on(c.operation, support::writingToNull());
+    worker->handshake("token").send(c.line);
+    worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in " + c.command + "(): Access Violation\nProcess:  "));
+    worker->expect(c.closing).close();
+    EXPECT_TRUE(run());
+    EXPECT_EQ(job->jobRunning, c.open);
+  }
 }
 
 TEST_F(JobCommands, HostErrorsOfTheJobEndTheConversation) {

@@ -138,45 +138,27 @@ TEST_F(TessarynUtil, PublishesEveryEntryUnderItsId) {
   }
 }
 
-TEST_F(TessarynUtil, PropertiesWithoutADaemonRunSayThatThereIsNone) {
-  job->currentFrame = 7;
-  job->currentTask = 7;
-  job->sceneFileName = u"a.max";
-  host.core.ticksPerFrame = 200;
-  host.core.time = 10 * 200 + 199;
-  EXPECT_EQ(shown(call(u"CurrentFrame")), "10");
-  EXPECT_EQ(shown(call(u"CurrentTask")), "-1");
-  for (const auto* name : {u"SceneFileName", u"SceneFilePath", u"JobsDataFolder", u"PluginsFolder"})
-    EXPECT_EQ(shown(call(name)), "undefined");
-}
-
-TEST_F(TessarynUtil, PropertiesInADaemonRunTellTheJob) {
+TEST_F(TessarynUtil, PropertiesTellTheJobOfADaemonRun) {
+  job->currentFrame = job->currentTask = 7;
   job->sceneFileName = u"a.max";
   job->sceneFilePath = u"C:\\scenes";
   job->settings.jobsDataFolder = u"D:\\jobs";
-  const auto script = [this] {
-    std::string all;
+  job->savedOutputFiles = {u"a.exr", u"b.exr"};
+  host.core.ticksPerFrame = 200;
+  host.core.time = 10 * 200 + 199;
+  const auto all = [this] {
+    std::string values;
     for (const auto* name :
          {u"CurrentFrame", u"CurrentTask", u"SceneFileName", u"SceneFilePath", u"JobsDataFolder", u"PluginsFolder"})
-      all += shown(call(name)) + " ";
-    return all;
-  };
-  EXPECT_TRUE(runScript(
-      script, [] {}, R"(SUCCESS: 12 0 "a.max" "C:\scenes" "D:\jobs" "" )"));
-}
-
-TEST_F(TessarynUtil, OutputFilenamesAreAnsweredWithOrWithoutADaemonRun) {
-  job->savedOutputFiles = {u"a.exr", u"b.exr"};
-  const auto all = [this] {
-    std::string shownAll;
+      values += shown(call(name)) + " ";
     for (const std::int32_t index : {-1, 0, 1, 2, 2147483647})
-      shownAll += shown(call(u"GetOutputFilename", {FPValue::ofInt(index)})) + " ";
-    return shownAll;
+      values += shown(call(u"GetOutputFilename", {FPValue::ofInt(index)})) + " ";
+    return values;
   };
-  const std::string expected = R"(undefined "a.exr" "b.exr" undefined undefined )";
-  EXPECT_EQ(all(), expected);
+  const std::string files = R"(undefined "a.exr" "b.exr" undefined undefined )";
+  EXPECT_EQ(all(), "10 -1 undefined undefined undefined undefined " + files);
   EXPECT_TRUE(runScript(
-      all, [] {}, "SUCCESS: " + expected));
+      all, [] {}, R"(SUCCESS: 12 7 "a.max" "C:\scenes" "D:\jobs" "" )" + files));
 }
 
 TEST_F(TessarynUtil, NoticesReachTheWorker) {
@@ -194,14 +176,6 @@ TEST_F(TessarynUtil, NoticesReachTheWorker) {
   EXPECT_TRUE(runScript(script, worker_, "SUCCESS: true"));
   EXPECT_EQ(platform::pumpCount() - before, 6U) << "once a call, and once more for title and progress";
   EXPECT_EQ(scripts.printed(), u"");
-}
-
-TEST_F(TessarynUtil, NoticesWithoutADaemonRunGoToTheListener) {
-  call(u"LogMessage", {text(u"one")});
-  call(u"WarnMessage", {text(u"two")});
-  call(u"SetTitle", {text(u"three")});
-  EXPECT_EQ(shown(call(u"SetProgress", {FPValue::ofFloat(5)})), "true");
-  EXPECT_EQ(support::narrow(scripts.printed()), "one\ntwo\nTitle was set to \"three\"\n");
 }
 
 TEST_F(TessarynUtil, QuestionsAreAskedAndAnswered) {
@@ -256,8 +230,13 @@ TEST_F(TessarynUtil, AnswersThatMakeNoSenseBecomeHostErrors) {
   }
 }
 
-TEST_F(TessarynUtil, QuestionsWithoutADaemonRunHaveNoAnswer) {
+TEST_F(TessarynUtil, WithoutADaemonRunNoticesGoToTheListenerAndQuestionsHaveNoAnswer) {
   const FPValue key = text(u"k"), one = FPValue::ofInt(1);
+  call(u"LogMessage", {text(u"one")});
+  call(u"WarnMessage", {text(u"two")});
+  call(u"SetTitle", {text(u"three")});
+  EXPECT_EQ(shown(call(u"SetProgress", {FPValue::ofFloat(5)})), "true");
+  EXPECT_EQ(support::narrow(scripts.printed()), "one\ntwo\nTitle was set to \"three\"\n");
   EXPECT_EQ(shown(call(u"GetSubmitInfoEntryElementCount", {key})), "0");
   EXPECT_EQ(shown(call(u"GetSubmitInfoEntryElement", {one, key})), "undefined");
   EXPECT_EQ(shown(call(u"GetAuxFilename", {one})), "undefined");

@@ -163,12 +163,6 @@ TEST_F(ScriptHelpers, StringScriptsRestoreTheThreadWhenTheyAreGone) {
   EXPECT_EQ(scripts.threadLocals.currentStdout, &elsewhere) << "files restore nothing of the kind";
 }
 
-TEST_F(ScriptHelpers, ValuesAreTextOrWhatTheyPrint) {
-  EXPECT_EQ(textOf(*scripts.newString(u"plain")), u"plain");
-  EXPECT_EQ(textOf(*scripts.newOther(u"1.5", u"not this")), u"1.5");
-  EXPECT_EQ(textOf(*scripts.newOther(std::nullopt, u"$Box001")), u"$Box001");
-}
-
 TEST_F(ScriptHelpers, ListenerOutputGoesWhereScriptsPrint) {
   printToListener(u"one ");
   scripts.threadLocals.currentStdout = nullptr;
