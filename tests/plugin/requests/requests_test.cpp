@@ -119,18 +119,19 @@ struct Question {
 };
 
 std::vector<Question> questions() {
-  const std::string negative = "Key \xFC??? doesn't exist";
+  const auto keyed = [](const char* function, const std::string& word, auto request) {
+    return Question{function, "FUNCTION: " + word + " " + kForeignAsAnsi, "Key \xFC??? doesn't exist",
+                    [request](auto& connection) { return request(connection, kForeignKey); }};
+  };
   return {
-      {"GetJobInfoEntry", "FUNCTION: GETJOBINFOENTRY "s + kForeignAsAnsi, negative,
-       [](auto& connection) { return requestJobInfoEntry(connection, kForeignKey); }},
-      {"GetSubmitInfoEntry", "FUNCTION: GETSUBMITINFOENTRY "s + kForeignAsAnsi, negative,
-       [](auto& connection) { return requestSubmitInfoEntry(connection, kForeignKey); }},
-      {"GetSubmitInfoEntryElementCount", "FUNCTION: GETSUBMITINFOENTRYELEMENTCOUNT "s + kForeignAsAnsi, negative,
-       [](auto& connection) { return to_wstring(requestSubmitInfoEntryElementCount(connection, kForeignKey)); }},
-      {"GetSubmitInfoEntryElement", "FUNCTION: GETSUBMITINFOENTRYELEMENT -2147483648 "s + kForeignAsAnsi, negative,
-       [](auto& connection) {
-         return requestSubmitInfoEntryElement(connection, std::numeric_limits<std::int32_t>::min(), kForeignKey);
-       }},
+      keyed("GetJobInfoEntry", "GETJOBINFOENTRY", requestJobInfoEntry),
+      keyed("GetSubmitInfoEntry", "GETSUBMITINFOENTRY", requestSubmitInfoEntry),
+      keyed("GetSubmitInfoEntryElementCount", "GETSUBMITINFOENTRYELEMENTCOUNT",
+            [](auto&... given) { return to_wstring(requestSubmitInfoEntryElementCount(given...)); }),
+      keyed("GetSubmitInfoEntryElement", "GETSUBMITINFOENTRYELEMENT -2147483648",
+            [](auto& connection, auto& key) {
+              return requestSubmitInfoEntryElement(connection, std::numeric_limits<std::int32_t>::min(), key);
+            }),
       {"GetAuxFilename", "FUNCTION: GETAUXFILE -1", "Aux file requested doesn't exist",
        [](auto& connection) { return requestAuxFilename(connection, -1); }},
       {"GetPathMappedFilename", "FUNCTION: GETPATHMAPPEDFILENAME "s + kForeignWhole,
