@@ -12,8 +12,8 @@
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"
-#include "plugin/job/black_frame.h"
 #include "plugin/job/job_state.h"
+#include "plugin/render/black_frame.h"
 #include "plugin/transport/simple_socket.h"
 #include "plugin/util/log_file.h"
 

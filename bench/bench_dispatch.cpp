@@ -7,7 +7,6 @@
 
 #include "bench/ping_pong.h"
 #include "platform/files.h"
-#include "plugin/daemon/build_version.h"
 #include "plugin/daemon/run_daemon.h"
 #include "plugin/util/log_file.h"
 

@@ -69,25 +69,25 @@ PublishedProperty readProperty(DescriptorReader& reader) {
 
 FPValue FPValue::ofFloat(float value) {
   FPValue result;
-  result.type = kTypeFloat;
+  result.type = kFpTypeFloat;
   result.f = value;
   return result;
 }
 FPValue FPValue::ofInt(std::int32_t value) {
   FPValue result;
-  result.type = kTypeInt;
+  result.type = kFpTypeInt;
   result.i = value;
   return result;
 }
 FPValue FPValue::ofBool(bool value) {
   FPValue result;
-  result.type = kTypeBool;
+  result.type = kFpTypeBool;
   result.i = value ? 1 : 0;
   return result;
 }
 FPValue FPValue::ofValue(Value* value) {
   FPValue result;
-  result.type = kTypeValue;
+  result.type = kFpTypeValue;
   result.v = value;
   return result;
 }

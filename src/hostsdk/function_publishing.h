@@ -15,11 +15,11 @@ namespace hostsdk {
 class Value;
 
 // Type codes in descriptors and values.
-inline constexpr int kTypeFloat = 0;
-inline constexpr int kTypeInt = 1;
-inline constexpr int kTypeVoid = 46;
-inline constexpr int kTypeValue = 64;  // a script value; text parameters travel as one
-inline constexpr int kTypeBool = 66;
+inline constexpr int kFpTypeFloat = 0;
+inline constexpr int kFpTypeInt = 1;
+inline constexpr int kFpTypeVoid = 46;
+inline constexpr int kFpTypeValue = 64;  // a script value; text parameters travel as one
+inline constexpr int kFpTypeBool = 66;
 
 // Descriptor tags, function ids and dispatch states.
 inline constexpr std::uint32_t kTagEnd = 0xC0000400;
@@ -32,7 +32,7 @@ using FunctionID = std::uint16_t;
 
 // One parameter or result. `type` tells which member holds.
 struct HOSTSDK_API FPValue {
-  int type = kTypeVoid;
+  int type = kFpTypeVoid;
   union {
     float f;
     std::int32_t i;  // also booleans: 0 or 1
@@ -59,18 +59,18 @@ class ClassDesc;
 // What a descriptor says, in the order it says it.
 struct PublishedParameter {
   std::u16string name;
-  int type = kTypeVoid;
+  int type = kFpTypeVoid;
 };
 struct PublishedFunction {
   FunctionID id = 0;
   std::u16string name;
-  int resultType = kTypeVoid;
+  int resultType = kFpTypeVoid;
   std::vector<PublishedParameter> parameters;
 };
 struct PublishedProperty {
   FunctionID getter = kNoFunction, setter = kNoFunction;
   std::u16string name;
-  int type = kTypeVoid;
+  int type = kFpTypeVoid;
 };
 struct PublishedInterface {
   Interface_ID id;

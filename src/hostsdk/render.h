@@ -10,6 +10,10 @@
 
 namespace hostsdk {
 
+// Render types: what of the picture a renderer is opened for.
+inline constexpr int kRenderTypeWhole = 1;   // the whole size, whatever region is rendered
+inline constexpr int kRenderTypeRegion = 4;  // the region is the picture
+
 // Filled by the host when a render is set up.
 struct RendParams {
   int renderType = 0;

@@ -7,11 +7,15 @@
 #include <functional>
 #include <optional>
 
+#include "protocol/words.h"
+
 namespace worker {
 namespace {
 
-std::string positive(const std::string& value) { return "SUCCESS: " + value; }
-std::string negative(const std::string& why) { return "ERROR: " + why; }
+namespace question = protocol::question;
+
+std::string positive(const std::string& value) { return std::string(protocol::kSuccessWith) + value; }
+std::string negative(const std::string& why) { return std::string(protocol::kError) + why; }
 
 std::optional<std::int32_t> readIndex(const std::string& text) {
   std::int32_t index = 0;
@@ -48,25 +52,25 @@ std::string mapPath(const Job& job, const std::string& path) {
 }
 
 std::string answerQuestion(const Job& job, const std::string& word, const std::string& argument) {
-  if (word == "GETJOBINFOENTRY") {
+  if (word == question::kJobInfoEntry) {
     const auto entry = job.jobInfo.find(argument);
     return entry != job.jobInfo.end() ? positive(entry->second) : negative("no job entry \"" + argument + "\"");
   }
-  if (word == "GETAUXFILE") return element(job.auxFiles, argument, "auxiliary file");
-  if (word == "GETPATHMAPPEDFILENAME") return positive(mapPath(job, argument));
+  if (word == question::kAuxFile) return element(job.auxFiles, argument, "auxiliary file");
+  if (word == question::kPathMappedFilename) return positive(mapPath(job, argument));
 
   // The submission entries; an element request carries the index before the key.
   std::string key = argument, index;
-  if (word == "GETSUBMITINFOENTRYELEMENT") {
+  if (word == question::kSubmitInfoEntryElement) {
     const std::size_t blank = argument.find(' ');
     index = argument.substr(0, blank);
     key = blank == std::string::npos ? "" : argument.substr(blank + 1);
   }
   const auto entry = job.submitInfo.find(key);
   if (entry == job.submitInfo.end()) return negative("no submission entry \"" + key + "\"");
-  if (word == "GETSUBMITINFOENTRY") return positive(joined(entry->second));
-  if (word == "GETSUBMITINFOENTRYELEMENTCOUNT") return positive(std::to_string(entry->second.size()));
-  if (word == "GETSUBMITINFOENTRYELEMENT") return element(entry->second, index, "element");
+  if (word == question::kSubmitInfoEntry) return positive(joined(entry->second));
+  if (word == question::kSubmitInfoEntryElementCount) return positive(std::to_string(entry->second.size()));
+  if (word == question::kSubmitInfoEntryElement) return element(entry->second, index, "element");
   return negative("unknown question \"" + word + "\"");
 }
 

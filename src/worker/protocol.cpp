@@ -1,9 +1,10 @@
 #include "worker/protocol.h"
 
-#include <array>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
+
+#include "protocol/words.h"
 
 namespace worker {
 namespace {
@@ -14,25 +15,21 @@ std::optional<std::string> after(const std::string& text, std::string_view prefi
   return text.substr(prefix.size());
 }
 
-constexpr std::array<std::string_view, 6> kQuestions{
-    "GETJOBINFOENTRY",           "GETSUBMITINFOENTRY", "GETSUBMITINFOENTRYELEMENTCOUNT",
-    "GETSUBMITINFOENTRYELEMENT", "GETAUXFILE",         "GETPATHMAPPEDFILENAME"};
-
 Message readRequest(const std::string& payload, const std::string& request) {
-  if (auto line = after(request, "STDOUT: ")) return {MessageKind::log, "", *line};
-  if (auto line = after(request, "WARN: ")) return {MessageKind::warning, "", *line};
-  if (auto title = after(request, "SETTITLE ")) return {MessageKind::title, "", *title};
-  if (auto percent = after(request, "PROGRESS ")) {
+  if (auto line = after(request, protocol::notice::kStdout)) return {MessageKind::log, "", *line};
+  if (auto line = after(request, protocol::notice::kWarn)) return {MessageKind::warning, "", *line};
+  if (auto title = after(request, protocol::notice::kSetTitle)) return {MessageKind::title, "", *title};
+  if (auto percent = after(request, protocol::notice::kProgress)) {
     Message message{MessageKind::progress, "", *percent};
     message.value = std::strtof(percent->c_str(), nullptr);
     return message;
   }
   const std::size_t blank = request.find(' ');
   const std::string word = request.substr(0, blank);
-  for (const std::string_view known : kQuestions)
+  for (const std::string_view known : protocol::question::kAll)
     if (word == known)
       return {MessageKind::question, word, blank == std::string::npos ? "" : request.substr(blank + 1)};
-  return {MessageKind::unknown, "", payload};
+  return {MessageKind::unknownNotice, "", payload};
 }
 
 }  // namespace
@@ -68,11 +65,11 @@ std::vector<std::string> splitFields(const std::string& text) {
 }
 
 Message readMessage(const std::string& payload) {
-  if (auto request = after(payload, "FUNCTION: ")) return readRequest(payload, *request);
-  if (auto text = after(payload, "ERROR: ")) return {MessageKind::error, "", *text};
-  if (auto text = after(payload, "SUCCESS: ")) return {MessageKind::success, "", *text};
-  if (auto text = after(payload, "SUCCESS")) return {MessageKind::success, "", *text};
-  if (payload == "STARTED") return {MessageKind::started, "", ""};
+  if (auto request = after(payload, protocol::kFunction)) return readRequest(payload, *request);
+  if (auto text = after(payload, protocol::kError)) return {MessageKind::error, "", *text};
+  if (auto text = after(payload, protocol::kSuccessWith)) return {MessageKind::success, "", *text};
+  if (auto text = after(payload, protocol::kSuccess)) return {MessageKind::success, "", *text};
+  if (payload == protocol::kStarted) return {MessageKind::started, "", ""};
   return {MessageKind::unknown, "", payload};
 }
 

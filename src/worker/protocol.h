@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "protocol/framing.h"
+
 namespace worker {
 
-// Largest payload that a plug-in accepts, and that it sends.
-inline constexpr std::uint32_t kLargestMessage = 100000;
+using protocol::kLargestMessage;
 
 // One command line: fields joined by commas; a field that holds a comma, quote, backslash or line feed is escaped so
 // that the plug-in reads it unchanged.
@@ -20,15 +21,16 @@ std::vector<std::string> splitFields(const std::string& text);
 
 // What a message from the plug-in is.
 enum class MessageKind {
-  log,       // a line of output; text is the line
-  warning,   // text is the warning
-  title,     // text is the task title
-  progress,  // value is the percentage, -1 for work that cannot be measured
-  question,  // word is the request word, text its argument
-  started,   // a long command has begun
-  success,   // text is what follows "SUCCESS", without ": "
-  error,     // text is what follows "ERROR: "
-  unknown    // text is the whole message
+  log,            // a line of output; text is the line
+  warning,        // text is the warning
+  title,          // text is the task title
+  progress,       // value is the percentage, -1 for work that cannot be measured
+  question,       // word is the request word, text its argument
+  unknownNotice,  // a notice of a newer plug-in; text is the whole message
+  started,        // a long command has begun
+  success,        // text is what follows "SUCCESS", without ": "
+  error,          // text is what follows "ERROR: "
+  unknown         // text is the whole message
 };
 
 struct Message {

@@ -2,30 +2,21 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 
+#include "protocol/words.h"
 #include "worker/answers.h"
 #include "worker/path_names.h"
 
 namespace worker {
 namespace {
 
-constexpr std::string_view kHandshakeWord = "TessarynStartup";
-constexpr std::string_view kIdentification = "Corvantis ";
-constexpr std::string_view kFinalFrameError = "Failed to save file.";
+namespace command = protocol::command;
+namespace notice = protocol::notice;
 
-// Settings that the plug-in applies while it opens the scene; the others are reset then and must follow.
-constexpr std::array<std::string_view, 9> kBeforeStart{
-    "GammaCorrection",   "PathConfigFile",    "MergePathConfigFile", "IgnoreMissingExternalFiles",
-    "IgnoreMissingUVWs", "IgnoreMissingDLLs", "IgnoreMissingXREFs",  "SlaveFolders",
-    "TempFolder"};
-
-bool belongsBeforeStart(const std::string& word) {
-  return std::find(kBeforeStart.begin(), kBeforeStart.end(), word) != kBeforeStart.end();
-}
+// A command that cannot be carried out is answered by an error that begins with its word.
+bool refuses(const Message& error, std::string_view word) { return error.text.starts_with(fmt::format("{}: ", word)); }
 
 }  // namespace
 
@@ -66,29 +57,29 @@ JobResult Session::run() {
 void Session::handshake() {
   if (channel_.receive() != token_)
     throw HostFailure("Something other than the host connected: the token it sent is not the one it was given");
-  channel_.send(std::string(kHandshakeWord));
+  channel_.send(std::string(protocol::kStartup));
   const std::string identification = channel_.receive();
-  if (!identification.starts_with(kIdentification))
-    throw HostFailure(
-        fmt::format("Expected \"{}\" and a version from the plug-in, got \"{}\"", kIdentification, identification));
-  result_.pluginVersion = identification.substr(kIdentification.size());
+  if (!identification.starts_with(protocol::kIdentification))
+    throw HostFailure(fmt::format("Expected \"{}\" and a version from the plug-in, got \"{}\"",
+                                  protocol::kIdentification, identification));
+  result_.pluginVersion = identification.substr(protocol::kIdentification.size());
 }
 
 void Session::sendSettings(bool beforeStart) {
   for (const auto& setting : job_.settings)
-    if (belongsBeforeStart(setting.front()) == beforeStart) command(setting);
+    if (command::precedesStartJob(setting.front()) == beforeStart) send(setting);
   if (beforeStart) {
-    if (!job_.localFolder.empty()) command({"TempFolder", windowsName(job_.localFolder)});
+    if (!job_.localFolder.empty()) send(command::kTempFolder, {windowsName(job_.localFolder)});
     return;
   }
-  if (!job_.localFolder.empty()) command({"LocalRendering"});
-  if (!job_.output.empty()) command({"OutputImageFilename", windowsName(job_.output)});
-  if (!job_.output.empty()) command({"OverrideSaveFile", "1"});
-  if (!job_.jpegFolder.empty()) command({"UseJpegOutput", windowsName(job_.jpegFolder)});
+  if (!job_.localFolder.empty()) send(command::kLocalRendering);
+  if (!job_.output.empty()) send(command::kOutputImageFilename, {windowsName(job_.output)});
+  if (!job_.output.empty()) send(command::kOverrideSaveFile, {"1"});
+  if (!job_.jpegFolder.empty()) send(command::kUseJpegOutput, {windowsName(job_.jpegFolder)});
 }
 
 void Session::startJob() {
-  command({"StartJob", windowsName(job_.scene), job_.camera});
+  send(command::kStartJob, {windowsName(job_.scene), job_.camera});
   std::string errors;
   for (;;) {
     const Message reply = nextReply();
@@ -96,7 +87,7 @@ void Session::startJob() {
     if (reply.kind != MessageKind::error) throw HostFailure("Unexpected reply to StartJob: " + reply.text);
     errors += (errors.empty() ? "" : "\n") + reply.text;
     // A line that cannot be run is answered by its error alone.
-    if (reply.text.starts_with("StartJob: ")) throw Refused(errors);
+    if (refuses(reply, command::kStartJob)) throw Refused(errors);
   }
   if (!errors.empty()) throw Refused(errors);
 }
@@ -114,9 +105,9 @@ void Session::renderFrame(std::size_t index) {
     result_.frames.push_back(std::move(frame));
   };
   try {
-    command({"CurrentTask", std::to_string(index)});
+    send(command::kCurrentTask, {std::to_string(index)});
     runScripts(job_.perFrameScripts, true, frame.frame);
-    command({"RenderTask", std::to_string(frame.frame)});
+    send(command::kRenderTask, {std::to_string(frame.frame)});
     for (bool started = false;;) {
       const Message reply = nextReply();
       if (reply.kind == MessageKind::started) {
@@ -126,9 +117,9 @@ void Session::renderFrame(std::size_t index) {
         break;
       } else if (reply.kind == MessageKind::error) {
         // Before STARTED an error that is not RenderTask's own answers one of the settings.
-        if (!started && !reply.text.starts_with("RenderTask: ")) throw Refused(reply.text);
-        if (reply.text != kFinalFrameError || frame.errors.empty()) frame.errors.push_back(reply.text);
-        if (!started || reply.text == kFinalFrameError) break;
+        if (!started && !refuses(reply, command::kRenderTask)) throw Refused(reply.text);
+        if (reply.text != protocol::kNotSaved || frame.errors.empty()) frame.errors.push_back(reply.text);
+        if (!started || reply.text == protocol::kNotSaved) break;
       } else {
         throw HostFailure("Unexpected reply to RenderTask: " + reply.text);
       }
@@ -142,7 +133,7 @@ void Session::renderFrame(std::size_t index) {
 }
 
 void Session::endJob() {
-  command({"EndJob"});
+  send(command::kEndJob);
   std::string errors;
   for (;;) {
     const Message reply = nextReply();
@@ -154,7 +145,8 @@ void Session::endJob() {
 
 void Session::runScripts(const std::vector<std::string>& scripts, bool setFrame, std::int32_t frame) {
   for (const std::string& script : scripts) {
-    command({"ExecuteMaxScriptFile", windowsName(script), setFrame ? "true" : "false", std::to_string(frame), "false"});
+    send(command::kExecuteMaxScriptFile,
+         {windowsName(script), setFrame ? "true" : "false", std::to_string(frame), "false"});
     for (;;) {
       const Message reply = nextReply();
       if (reply.kind == MessageKind::started) continue;
@@ -172,7 +164,13 @@ Message Session::nextReply() {
       case MessageKind::success:
       case MessageKind::error:
         return message;
-      default:
+      case MessageKind::log:
+      case MessageKind::warning:
+      case MessageKind::title:
+      case MessageKind::progress:
+      case MessageKind::question:
+      case MessageKind::unknownNotice:
+      case MessageKind::unknown:
         handle(message);
     }
   }
@@ -196,7 +194,13 @@ void Session::handle(const Message& message) {
     case MessageKind::question:
       channel_.send(answerQuestion(job_, message.word, message.text));
       break;
-    default:
+    case MessageKind::unknownNotice:
+      observer_.warning("The plug-in sent a notice that this worker does not know: " + message.text);
+      break;
+    case MessageKind::started:  // replies, which are not handed in
+    case MessageKind::success:
+    case MessageKind::error:
+    case MessageKind::unknown:
       throw HostFailure("The plug-in sent a message that is not part of the protocol: " + message.text);
   }
 }
@@ -204,16 +208,21 @@ void Session::handle(const Message& message) {
 // The plug-in tells in its log lines which files it writes.
 void Session::noteOutputLine(const std::string& line) {
   if (!current_) return;
-  static constexpr std::array<std::string_view, 2> kWritten{"MaxCorvantis: Writing to output file: ",
-                                                            "MaxCorvantis: Saved image to "};
-  for (const std::string_view prefix : kWritten)
-    if (std::string_view(line).starts_with(prefix)) {
-      current_->files.push_back(nativeName(line.substr(prefix.size())));
-    }
-  if (std::string_view(line).starts_with("MaxCorvantis: Skipping frame ")) current_->skipped = true;
+  std::string_view text = line;
+  if (!text.starts_with(notice::kOwn)) return;
+  text.remove_prefix(notice::kOwn.size());
+  for (const std::string_view beginning : {notice::kWriting, notice::kMoved})
+    if (text.starts_with(beginning)) current_->files.push_back(nativeName(std::string(text.substr(beginning.size()))));
+  if (text.starts_with(notice::kSkipping)) current_->skipped = true;
 }
 
-void Session::command(const std::vector<std::string>& fields) {
+void Session::send(std::string_view word, const std::vector<std::string>& parameters) {
+  std::vector<std::string> fields{std::string(word)};
+  fields.insert(fields.end(), parameters.begin(), parameters.end());
+  send(fields);
+}
+
+void Session::send(const std::vector<std::string>& fields) {
   const std::string line = commandLine(fields);
   if (line.size() > kLargestMessage)
     throw Refused(fmt::format("The command {} is {} bytes long; a plug-in takes at most {}", fields.front(),

@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "worker/job.h"
 #include "worker/protocol.h"
@@ -61,7 +62,8 @@ class Session {
   Message nextReply();
   void handle(const Message& message);
   void noteOutputLine(const std::string& line);
-  void command(const std::vector<std::string>& fields);
+  void send(std::string_view word, const std::vector<std::string>& parameters = {});
+  void send(const std::vector<std::string>& fields);
 
   const Job& job_;
   const std::string& token_;

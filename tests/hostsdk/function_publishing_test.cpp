@@ -24,8 +24,8 @@ class Published : public FPStaticInterface {
 };
 
 const std::vector<std::uint64_t> kDescriptor{
-    7,           text(u"add"),  0, kTypeInt, 0,      1, text(u"value"), 0, kTypeInt, kTagProperties, 8,
-    kNoFunction, text(u"Size"), 0, kTypeInt, kTagEnd};
+    7,           text(u"add"),  0, kFpTypeInt, 0,      1, text(u"value"), 0, kFpTypeInt, kTagProperties, 8,
+    kNoFunction, text(u"Size"), 0, kFpTypeInt, kTagEnd};
 
 TEST(FunctionPublishing, ReadsADescriptorAndNothingBeyondItsEnd) {
   std::vector<std::uint64_t> buffer = kDescriptor;
@@ -34,7 +34,7 @@ TEST(FunctionPublishing, ReadsADescriptorAndNothingBeyondItsEnd) {
   ASSERT_EQ(published.functions.size(), 1U);
   EXPECT_EQ(published.functions[0].id, 7);
   EXPECT_EQ(published.functions[0].name, u"add");
-  EXPECT_EQ(published.functions[0].resultType, kTypeInt);
+  EXPECT_EQ(published.functions[0].resultType, kFpTypeInt);
   ASSERT_EQ(published.functions[0].parameters.size(), 1U);
   EXPECT_EQ(published.functions[0].parameters[0].name, u"value");
   ASSERT_EQ(published.properties.size(), 1U);
@@ -48,12 +48,12 @@ TEST(FunctionPublishing, RefusesWhatBreaksTheRules) {
     std::vector<std::uint64_t> buffer;
     const char16_t* named;
   } cases[] = {
-      {{7, 0, 0, kTypeInt, 0, 0, kTagEnd}, u"a text as function name"},
-      {{7, text(u"f"), 1, kTypeInt, 0, 0, kTagEnd}, u"0 as function description"},
-      {{7, text(u"f"), 0, kTypeInt, 1, 0, kTagEnd}, u"0 as function flags"},
-      {{7, text(u"f"), 0, kTypeInt, 0, 65, kTagEnd}, u"at most 64 as parameter count"},
+      {{7, 0, 0, kFpTypeInt, 0, 0, kTagEnd}, u"a text as function name"},
+      {{7, text(u"f"), 1, kFpTypeInt, 0, 0, kTagEnd}, u"0 as function description"},
+      {{7, text(u"f"), 0, kFpTypeInt, 1, 0, kTagEnd}, u"0 as function flags"},
+      {{7, text(u"f"), 0, kFpTypeInt, 0, 65, kTagEnd}, u"at most 64 as parameter count"},
       {{7, text(u"f"), 0, text(u"x"), 0, 0, kTagEnd}, u"an integer as result type"},
-      {{kTagProperties, 1, kNoFunction, 0, 0, kTypeInt, kTagEnd}, u"a text as property name"},
+      {{kTagProperties, 1, kNoFunction, 0, 0, kFpTypeInt, kTagEnd}, u"a text as property name"},
   };
   for (const auto& c : cases) {
     try {

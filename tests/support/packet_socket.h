@@ -40,6 +40,10 @@ class PacketSocket : public testing::Test {
     peer.start();
     socket.connect("127.0.0.1", peer.port(), 1);
   }
+  template <class Error>
+  void expectReceiveError(std::int32_t timeoutMs, const std::string& text) {
+    expectError<Error>([&] { socket.receive(timeoutMs); }, text);
+  }
 
   support::FakeClock clock;
   platform::ClockReplacement replacement{clock};

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <utility>
 
+#include "protocol/words.h"
 #include "support/peer_conversation.h"
 
 namespace support {
@@ -112,7 +113,7 @@ ScriptedPeer& ScriptedPeer::sendRaw(const std::string& bytes) {
 ScriptedPeer& ScriptedPeer::stallAfterHeader(std::uint32_t size) { return sendRaw(header(size)); }
 
 ScriptedPeer& ScriptedPeer::handshake(const std::string& token) {
-  return expect(token).send("TessarynStartup").expectPrefix("Corvantis ");
+  return expect(token).send(std::string(protocol::kStartup)).expectPrefix(std::string(protocol::kIdentification));
 }
 
 ScriptedPeer& ScriptedPeer::letTimePass(FakeClock& clock, std::uint32_t milliseconds) {

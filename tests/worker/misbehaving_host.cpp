@@ -62,7 +62,7 @@ int main(int, char** argv) {
   if (role == "abort") std::raise(SIGKILL);
   if (role == "exit") std::_Exit(7);
   if (role == "huge") boost::asio::write(socket, boost::asio::buffer(std::string("\x7f\xff\xff\xff", 4)));
-  if (role == "gibberish") send(socket, "FUNCTION: DANCE");
+  if (role == "gibberish") send(socket, "DANCE");
   receive(socket);
   return 0;
 }

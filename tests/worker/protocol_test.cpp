@@ -37,7 +37,8 @@ TEST(Protocol, TellsMessagesApart) {
       {"FUNCTION: PROGRESS -1", MessageKind::progress, "", "-1"},
       {"FUNCTION: GETSUBMITINFOENTRYELEMENT 2 a key", MessageKind::question, "GETSUBMITINFOENTRYELEMENT", "2 a key"},
       {"FUNCTION: GETJOBINFOENTRY ", MessageKind::question, "GETJOBINFOENTRY", ""},
-      {"FUNCTION: DANCE now", MessageKind::unknown, "", "FUNCTION: DANCE now"},
+      {"FUNCTION: DANCE now", MessageKind::unknownNotice, "", "FUNCTION: DANCE now"},
+      {"FUNCTION:", MessageKind::unknown, "", "FUNCTION:"},
       {"", MessageKind::unknown, "", ""},
   };
   for (const auto& c : cases) {

@@ -170,6 +170,19 @@ TEST(Session, RunsScriptsAroundTheFrames) {
   EXPECT_EQ(result.message, "Script /s/post.ms: it broke");
 }
 
+TEST(Session, ANoticeOfANewerPluginIsAWarning) {
+  ListedPlugin plugin(afterOpening(
+      {">CurrentTask,0", ">RenderTask,1", "<STARTED", "<FUNCTION: DANCE now", "<SUCCESS", ">EndJob", "<SUCCESS"}));
+  Recorder recorder;
+  const JobResult result = run(smallJob(), plugin, recorder);
+  EXPECT_TRUE(plugin.done());
+  EXPECT_EQ(result.status, JobStatus::done);
+  ASSERT_EQ(result.frames.size(), 1U);
+  EXPECT_TRUE(result.frames[0].rendered);
+  EXPECT_EQ(recorder.seen.at(2),
+            "warning The plug-in sent a notice that this worker does not know: FUNCTION: DANCE now");
+}
+
 TEST(Session, EveryWayAJobCanBeRefusedOrLost) {
   const struct {
     const char* name;
@@ -190,8 +203,8 @@ TEST(Session, EveryWayAJobCanBeRefusedOrLost) {
        JobStatus::refused, "FrameNumberBase: Expected 1 parameter"},
       {"lost while rendering", afterOpening({">CurrentTask,0", ">RenderTask,1", "<STARTED", "!it died"}),
        JobStatus::hostFailed, "it died"},
-      {"nonsense", afterOpening({">CurrentTask,0", ">RenderTask,1", "<STARTED", "<FUNCTION: DANCE"}),
-       JobStatus::hostFailed, "not part of the protocol: FUNCTION: DANCE"},
+      {"nonsense", afterOpening({">CurrentTask,0", ">RenderTask,1", "<STARTED", "<DANCE"}), JobStatus::hostFailed,
+       "not part of the protocol: DANCE"},
       {"end of job fails",
        afterOpening(
            {">CurrentTask,0", ">RenderTask,1", "<STARTED", "<SUCCESS", ">EndJob", "<ERROR: stuck", "<SUCCESS"}),

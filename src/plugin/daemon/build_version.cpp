@@ -1,5 +1,5 @@
 // Alone in its file, so that nothing else depends on the moment of the build.
-#include "plugin/daemon/build_version.h"
+#include "plugin/daemon/run_daemon.h"
 
 namespace corvantis {
 

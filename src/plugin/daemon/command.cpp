@@ -2,23 +2,10 @@
 
 #include <boost/lexical_cast.hpp>
 
-#include "plugin/daemon/reply.h"
-#include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
 
 namespace corvantis {
 namespace {
-
-void replyCountError(const CommandCall& call, std::size_t expected) {
-  sendReply(call.socket, u"ERROR: " + std::u16string(call.word) + u": Expected " + to_wstring(std::uint64_t{expected}) +
-                             (expected == 1 ? u" parameter, got " : u" parameters, got ") +
-                             to_wstring(std::uint64_t{call.parameters.size()}));
-}
-
-void logCountError(const CommandCall& call, std::size_t expected) {
-  log_file << std::u16string(call.word) << ": requires " << std::uint64_t{expected} << " parameters, got "
-           << std::uint64_t{call.parameters.size()} << ", setting to false" << LogFile::endl;
-}
 
 template <class Number>
 std::optional<Number> convert(Number (*parse)(const std::u16string&), const std::u16string& parameter) {
@@ -31,17 +18,24 @@ std::optional<Number> convert(Number (*parse)(const std::u16string&), const std:
 
 }  // namespace
 
-void runCommand(const CommandRow& row, const CommandCall& call) {
-  using Kind = CountRule::Kind;
-  if (row.begin != nullptr) row.begin(call);
-  const std::size_t expected = row.parameters.count, received = call.parameters.size();
-  if (row.parameters.kind == Kind::exactly && received != expected) return replyCountError(call, expected);
-  if (row.parameters.kind == Kind::atLeast && received < expected) return replyCountError(call, expected);
-  if (row.parameters.kind == Kind::exactlyOrOff && received != expected) {
-    logCountError(call, expected);
-    return row.turnOff(call);
-  }
-  row.run(call);
+void sendReply(win32::simple_socket& connection, std::string_view word) { connection.send(word); }
+
+void sendReply(win32::simple_socket& connection, std::string_view word, const std::u16string& text) {
+  connection.send(std::string(word) + to_utf8(text));
+}
+
+void sendReply(win32::simple_socket& connection, std::string_view word, const std::string& text) {
+  connection.send(std::string(word) + to_utf8(text));
+}
+
+void replyError(const CommandCall& call, const std::u16string& text) {
+  sendReply(call.connection, protocol::kError, to_wstring(std::string(call.row.word)) + u": " + text);
+}
+
+std::u16string invalidParameter(const CommandCall& call, std::size_t index, const std::u16string& what,
+                                BeforeComma gap) {
+  return u"Parameter " + to_wstring(std::uint64_t{index + 1}) + (gap == BeforeComma::blank ? u" , \"" : u", \"") +
+         call.parameters[index] + u"\", is not " + what + u".";
 }
 
 std::optional<std::int32_t> integerIn(const std::u16string& parameter) { return convert(&parse_int32, parameter); }

@@ -1,100 +1,90 @@
-#include "plugin/daemon/job_commands.h"
-
+// The commands that control a job.
 #include <exception>
 
 #include "platform/clock.h"
-#include "plugin/daemon/reply.h"
-#include "plugin/daemon/scene_path.h"
+#include "plugin/daemon/commands.h"
 #include "plugin/job/end_job.h"
 #include "plugin/job/start_job.h"
 #include "plugin/render/render_frame.h"
 #include "plugin/util/log_file.h"
+#include "plugin/util/paths.h"
 #include "plugin/util/text.h"
 
 namespace corvantis {
 namespace {
 
 constexpr std::uint32_t kPauseAfterRenderErrorMs = 500;
-constexpr std::uint16_t kRendered = 0, kNotRendered = 1;
 
-void replyNotANumber(const CommandCall& call, const char16_t* what) {
-  sendReply(call.socket, u"ERROR: " + std::u16string(call.word) + u": Parameter 1 , \"" + call.parameters[0] +
-                             u"\", is not a valid " + what + u" number.");
+// The one parameter as a number; nullopt after an error reply.
+std::optional<std::int32_t> numberIn(const CommandCall& call, const char16_t* what) {
+  const std::optional<std::int32_t> number = integerIn(call.parameters[0]);
+  if (!number) replyError(call, invalidParameter(call, 0, what, BeforeComma::blank));
+  return number;
 }
 
-std::string faultReport(const JobState& jobState, const std::string& sehText) {
-  return "ERROR: " + sehText + "\n" + jobState.crashDescription;
-}
-
-void replyRenderError(const CommandCall& call, const std::string& report) {
-  sendReply(call.socket, report);
+void replyRenderError(const CommandCall& call, const std::string& text) {
+  sendReply(call.connection, protocol::kError, text);
   platform::clock().sleep(kPauseAfterRenderErrorMs);
 }
 
-std::uint16_t renderAndReport(const CommandCall& call, std::int32_t frame) {
-  std::uint16_t status = kNotRendered;
-  std::string sehText;
-  try {
-    status = trappedRenderFrame(call.jobState, frame, call.socket, sehText);
-  } catch (const std::exception& error) {
-    replyRenderError(call, std::string("ERROR: ") + error.what());
-  }
-  if (!sehText.empty()) replyRenderError(call, faultReport(call.jobState, sehText));
-  return status;
-}
-
-void replyJobError(const CommandCall& call, const std::string& report) {
+void replyJobError(const CommandCall& call, const std::string& text) {
   log_file << "Sending error" << LogFile::endl;
-  sendReply(call.socket, report);
+  sendReply(call.connection, protocol::kError, text);
 }
 
-void noteScenePath(JobState& jobState, const std::u16string& scene) {
+// Runs a trapped call and reports its failure, an exception or a fault. Gives whether it came through.
+template <class TrappedCall>
+bool runReported(const CommandCall& call, void (*report)(const CommandCall& call, const std::string& text),
+                 TrappedCall&& trappedCall) {
+  TrapOutcome outcome;
+  try {
+    outcome = trappedCall();
+  } catch (const std::exception& error) {
+    report(call, error.what());
+    return false;
+  }
+  if (outcome.faulted()) report(call, faultText(call.job, outcome));
+  return !outcome.faulted();
+}
+
+void noteScenePath(JobState& job, const std::u16string& scene) {
   ScenePath path = splitScenePath(replace_all(scene, u"/", u"\\"));
-  jobState.sceneFileName = std::move(path.fileName);
-  jobState.sceneFilePath = std::move(path.folder);
+  job.sceneFileName = std::move(path.fileName);
+  job.sceneFilePath = std::move(path.folder);
 }
 
 }  // namespace
 
 void renderTask(const CommandCall& call) {
-  const std::optional<std::int32_t> frame = integerIn(call.parameters[0]);
-  if (!frame) return replyNotANumber(call, u"frame");
-  call.jobState.currentFrame = *frame;
-  if (!call.jobState.jobRunning)
-    return sendReply(call.socket, std::u16string(u"ERROR: RenderTask: Called without being in a job."));
-  sendReply(call.socket, std::u16string(u"STARTED"));
-  const bool rendered = renderAndReport(call, *frame) == kRendered;
-  sendReply(call.socket, std::u16string(rendered ? u"SUCCESS" : u"ERROR: Failed to save file."));
+  const std::optional<std::int32_t> frame = numberIn(call, u"a valid frame number");
+  if (!frame) return;
+  call.job.currentFrame = *frame;
+  if (!call.job.jobRunning) return replyError(call, u"Called without being in a job.");
+  sendReply(call.connection, protocol::kStarted);
+  if (runReported(call, replyRenderError, [&] { return trappedRenderFrame(call.job, *frame, call.connection); }))
+    sendReply(call.connection, protocol::kSuccess);
+  else
+    sendReply(call.connection, protocol::kError, std::string(protocol::kNotSaved));
 }
 
 void currentTask(const CommandCall& call) {
-  const std::optional<std::int32_t> task = integerIn(call.parameters[0]);
-  if (!task) return replyNotANumber(call, u"task");
-  call.jobState.currentTask = *task;
+  const std::optional<std::int32_t> task = numberIn(call, u"a valid task number");
+  if (!task) return;
+  call.job.currentTask = *task;
 }
 
 void startJob(const CommandCall& call) {
-  std::string sehText;
-  try {
-    noteScenePath(call.jobState, call.parameters[0]);
-    trappedStartJob(call.jobState, call.parameters[0], call.parameters[1], sehText);
-  } catch (const std::exception& error) {
-    replyJobError(call, std::string("ERROR: ") + error.what());
-  }
-  if (!sehText.empty()) replyJobError(call, faultReport(call.jobState, sehText));
+  runReported(call, replyJobError, [&] {
+    noteScenePath(call.job, call.parameters[0]);
+    return trappedStartJob(call.job, call.parameters[0], call.parameters[1]);
+  });
   log_file << "Sending success" << LogFile::endl;
-  sendReply(call.socket, std::u16string(u"SUCCESS Scene loaded successfully"));
+  sendReply(call.connection, protocol::kSceneLoaded);
 }
 
 void endJob(const CommandCall& call) {
-  std::string sehText;
-  try {
-    trappedEndJob(call.jobState, sehText);
-  } catch (const std::exception& error) {
-    replyJobError(call, std::string("ERROR: ") + error.what());
-  }
-  if (!sehText.empty()) replyJobError(call, faultReport(call.jobState, sehText));
-  sendReply(call.socket, std::u16string(u"SUCCESS"));
+  runReported(call, replyJobError, [&] { return trappedEndJob(call.job); });
+  sendReply(call.connection, protocol::kSuccess);
 }
 
 void ignoreContinue(const CommandCall&) { log_file << "Warning: ignoring CONTINUE statement" << LogFile::endl; }

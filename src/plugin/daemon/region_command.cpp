@@ -1,50 +1,127 @@
-#include "plugin/daemon/region_command.h"
-
+// Restricts rendering to a region of the output. All numbers are pixels of the render output; right and bottom are
+// exclusive, and nothing says that they lie right of and below left and top. A number that leaves the 32-bit range is
+// refused.
 #include <array>
+#include <limits>
+#include <stdexcept>
+#include <utility>
 
-#include "plugin/daemon/region.h"
-#include "plugin/daemon/reply.h"
+#include "hostsdk/render.h"
+#include "plugin/daemon/commands.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
 
 namespace corvantis {
 namespace {
 
-// The render types of the host.
-constexpr std::int32_t kNoCrop = 1, kCrop = 4;
+using hostsdk::Rect;
+
+struct OutputSize {
+  std::int32_t width = 0, height = 0;
+};
+
+// A region that cannot be rendered. The text says why, for the worker to read.
+class RegionError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Blowup {
+  OutputSize output;
+  Rect region;
+};
+
+// A region cut at the output's edges, with what was cut off.
+struct ClampedRegion {
+  Rect region;
+  Rect over;
+};
+
+template <class Wide>
+std::int32_t inRange(Wide value, const char* textOtherwise) {
+  if (value < static_cast<Wide>(std::numeric_limits<std::int32_t>::min()) ||
+      value > static_cast<Wide>(std::numeric_limits<std::int32_t>::max()))
+    throw RegionError(textOtherwise);
+  return static_cast<std::int32_t>(value);
+}
+
+template <class Wide>
+std::int32_t edge(Wide value) {
+  return inRange(value, "The region with its padding is outside the range of pixel coordinates.");
+}
+
+std::int32_t side(double value) {
+  return inRange(value, "BLOWUP would need an output outside the range of pixel coordinates.");
+}
+
+// The edge, and how far it lay outside.
+std::pair<std::int32_t, std::int32_t> cutBelowZero(std::int32_t value) {
+  if (value >= 0) return {value, 0};
+  return {0, edge(-std::int64_t{value})};
+}
+std::pair<std::int32_t, std::int32_t> cutAbove(std::int32_t value, std::int32_t limit) {
+  if (value <= limit) return {value, 0};
+  return {limit, edge(std::int64_t{value} - limit)};
+}
+
+// The enlarged output in which `region` is as wide as `output` is now, and the window of it to render: scaled at its
+// top left corner, of the present output's size. The horizontal scale serves both axes; every number is cut toward
+// zero. A right that lies left of its left gives an output of negative size, which no renderer opens.
+Blowup blowUp(const Rect& region, OutputSize output) {
+  const std::int64_t width = std::int64_t{region.right} - region.left;
+  if (width == 0) throw RegionError("Left and Right are equal, so BLOWUP has no scale.");
+  const double scale = static_cast<double>(output.width) / static_cast<double>(width);
+  Blowup result;
+  result.output = {side(output.width * scale), side(output.height * scale)};
+  const std::int32_t left = edge(region.left * scale), top = edge(region.top * scale);
+  result.region = {left, top, edge(std::int64_t{left} + output.width), edge(std::int64_t{top} + output.height)};
+  return result;
+}
+
+// The region with `padding` pixels on every side.
+Rect padded(const Rect& region, std::int32_t padding) {
+  return {edge(std::int64_t{region.left} - padding), edge(std::int64_t{region.top} - padding),
+          edge(std::int64_t{region.right} + padding), edge(std::int64_t{region.bottom} + padding)};
+}
+
+// A left or top beyond the output, or a right or bottom before it, is not cut.
+ClampedRegion clamped(const Rect& region, OutputSize output) {
+  const auto [left, leftOver] = cutBelowZero(region.left);
+  const auto [top, topOver] = cutBelowZero(region.top);
+  const auto [right, rightOver] = cutAbove(region.right, output.width);
+  const auto [bottom, bottomOver] = cutAbove(region.bottom, output.height);
+  return {{left, top, right, bottom}, {leftOver, topOver, rightOver, bottomOver}};
+}
 
 struct Mode {
   std::u16string_view word;
   std::int32_t regionType;
   bool blowUp;
 };
-constexpr Mode kModes[] = {{u"NOCROP", kNoCrop, false}, {u"CROP", kCrop, false}, {u"BLOWUP", kCrop, true}};
-
-void replyInvalid(const CommandCall& call, std::size_t index, const std::u16string& rest) {
-  sendReply(call.socket, u"ERROR: RegionRendering: Parameter " + to_wstring(std::uint64_t{index + 1}) + u", \"" +
-                             call.parameters[index] + u"\", is not " + rest + u".");
-}
+constexpr Mode kModes[] = {{u"NOCROP", hostsdk::kRenderTypeWhole, false},
+                           {u"CROP", hostsdk::kRenderTypeRegion, false},
+                           {u"BLOWUP", hostsdk::kRenderTypeRegion, true}};
 
 // Padding is stored at once. nullopt after an error reply.
-std::optional<RegionRectangle> readRectangle(const CommandCall& call) {
+std::optional<Rect> readRectangle(const CommandCall& call) {
   static constexpr const char16_t* kNames[] = {u"Padding", u"Left", u"Top", u"Right", u"Bottom"};
   std::array<std::int32_t, std::size(kNames)> values{};
   for (std::size_t i = 0; i < values.size(); ++i) {
     const std::optional<std::int32_t> value = integerIn(call.parameters[i]);
     if (!value) {
-      replyInvalid(call, i, std::u16string(u"a valid value for ") + kNames[i]);
+      replyError(call, invalidParameter(call, i, std::u16string(u"a valid value for ") + kNames[i]));
       return std::nullopt;
     }
     values[i] = *value;
-    if (i == 0) call.jobState.settings.regionPadding = *value;
+    if (i == 0) call.job.settings.regionPadding = *value;
   }
-  return RegionRectangle{values[1], values[2], values[3], values[4]};
+  return Rect{values[1], values[2], values[3], values[4]};
 }
 
 const Mode* readMode(const CommandCall& call) {
   for (const Mode& mode : kModes)
     if (call.parameters[5] == mode.word) return &mode;
-  replyInvalid(call, 5, u"CROP, NOCROP, or BLOWUP");
+  replyError(call, invalidParameter(call, 5, u"CROP, NOCROP, or BLOWUP"));
   return nullptr;
 }
 
@@ -55,7 +132,7 @@ void logEdge(const char* name, std::int32_t value, std::int32_t over) {
 }
 
 // Edges are logged as they were before the cut where something was cut off.
-void logRegion(const ClampedRegion& cut, const RegionRectangle& whole) {
+void logRegion(const ClampedRegion& cut, const Rect& whole) {
   if (cut.over.left > 0) log_file << "Left less than 0: " << whole.left << LogFile::endl;
   logEdge("Left", cut.region.left, cut.over.left);
   if (cut.over.top > 0) log_file << "Top less than 0: " << whole.top << LogFile::endl;
@@ -79,18 +156,18 @@ void store(JobSettings& settings, const ClampedRegion& cut) {
 
 // Everything that can fail comes before the host's output size is touched; the size that cuts the region is the one the
 // host has afterwards.
-void applyRegion(JobState& jobState, RegionRectangle region, const Mode& mode) {
-  if (jobState.hostCore.v8 == nullptr)
+void applyRegion(JobState& job, Rect region, const Mode& mode) {
+  if (job.hostCore.v8 == nullptr)
     throw RegionError("The size of the render output is not known before the first StartJob.");
-  hostsdk::Interface8& core = *jobState.hostCore.v8;
-  JobSettings& settings = jobState.settings;
+  hostsdk::Interface8& core = *job.hostCore.v8;
+  JobSettings& settings = job.settings;
   OutputSize output = outputSize(core);
   if (mode.blowUp) {
     const Blowup blown = blowUp(region, output);
     region = blown.region;
     output = blown.output;
   }
-  const RegionRectangle whole = padded(region, settings.regionPadding);
+  const Rect whole = padded(region, settings.regionPadding);
   clamped(whole, output);
   if (mode.blowUp) {
     core.SetRenderWidth(output.width);
@@ -105,14 +182,14 @@ void applyRegion(JobState& jobState, RegionRectangle region, const Mode& mode) {
 }  // namespace
 
 void setRegion(const CommandCall& call) {
-  const std::optional<RegionRectangle> region = readRectangle(call);
+  const std::optional<Rect> region = readRectangle(call);
   if (!region) return;
   const Mode* mode = readMode(call);
   if (mode == nullptr) return;
   try {
-    applyRegion(call.jobState, *region, *mode);
+    applyRegion(call.job, *region, *mode);
   } catch (const RegionError& error) {
-    sendReply(call.socket, "ERROR: RegionRendering: " + std::string(error.what()));
+    replyError(call, to_wstring(error.what()));
   }
 }
 

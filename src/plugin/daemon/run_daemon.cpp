@@ -8,12 +8,10 @@
 #include "hostsdk/script_value.h"
 #include "platform/clock.h"
 #include "platform/environment.h"
-#include "plugin/daemon/build_version.h"
+#include "plugin/daemon/command.h"
 #include "plugin/daemon/dispatch.h"
-#include "plugin/daemon/reply.h"
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/interface/mxs/evaluate.h"
-#include "plugin/interface/mxs/listener.h"
 #include "plugin/job/trapped_call.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
@@ -36,35 +34,36 @@ class RunningFlag {
 };
 
 // A number that is no port is a port that nobody listens on; a socket that is connected already says so first.
-void connectToWorker(win32::simple_socket& socket, std::int32_t portNumber) {
+void connectToWorker(win32::simple_socket& connection, std::int32_t portNumber) {
   const bool isPort = portNumber >= 0 && portNumber <= std::numeric_limits<std::uint16_t>::max();
-  if (!isPort && !socket.isConnected())
+  if (!isPort && !connection.isConnected())
     throw win32::simple_socket_could_not_connect_error("connect: Failed to connect to server at port " +
                                                        to_string(portNumber));
-  socket.connect("127.0.0.1", static_cast<std::uint16_t>(portNumber), kTcpStream);
+  connection.connect(protocol::kWorkerAddress, static_cast<std::uint16_t>(portNumber), kTcpStream);
 }
 
-void shakeHands(win32::simple_socket& socket, const std::u16string& token) {
-  socket.send(to_utf8(token));
-  const std::u16string word = from_utf8(socket.receive(win32::COMMAND_TIMEOUT_MS));
-  const std::string identification = "Corvantis " + buildVersionString();
-  if (word == u"TessarynStartup") return sendReply(socket, identification);
-  sendReply(socket, identification + "   Incompatible plugin versions detected, exiting.");
+void shakeHands(win32::simple_socket& connection, const std::u16string& token) {
+  connection.send(to_utf8(token));
+  const std::u16string word = from_utf8(connection.receive(win32::COMMAND_TIMEOUT_MS));
+  const std::string version = buildVersionString();
+  if (word == to_wstring(std::string(protocol::kStartup)))
+    return sendReply(connection, protocol::kIdentification, version);
+  sendReply(connection, protocol::kIdentification, version + "   Incompatible plugin versions detected, exiting.");
   throw std::runtime_error("Incorrect handshake with Tessaryn plugin.");
 }
 
-void serveCommand(JobState& jobState, win32::simple_socket& socket) {
-  const std::u16string line = from_utf8(socket.receive(win32::COMMAND_TIMEOUT_MS));
+void serveCommand(JobState& job, win32::simple_socket& connection) {
+  const std::u16string line = from_utf8(connection.receive(win32::COMMAND_TIMEOUT_MS));
   log_file << "\nGot command: " << line << LogFile::endl << LogFile::endl;
-  dispatchCommand(jobState, socket, line);
+  dispatchCommand(job, connection, line);
 }
 
-void runDaemon(JobState& jobState, win32::simple_socket& socket, std::int32_t portNumber, const std::u16string& token) {
-  connectToWorker(socket, portNumber);
-  shakeHands(socket, token);
-  while (socket.isConnected()) {
+void runDaemon(JobState& job, win32::simple_socket& connection, std::int32_t portNumber, const std::u16string& token) {
+  connectToWorker(connection, portNumber);
+  shakeHands(connection, token);
+  while (connection.isConnected()) {
     try {
-      serveCommand(jobState, socket);
+      serveCommand(job, connection);
     } catch (const win32::simple_socket_timeout_error&) {
       pump_messages();
     } catch (const win32::simple_socket_disconnect_error&) {
@@ -73,40 +72,40 @@ void runDaemon(JobState& jobState, win32::simple_socket& socket, std::int32_t po
   }
 }
 
-bool runDaemonTrapped(JobState& jobState, win32::simple_socket& socket, std::int32_t portNumber,
-                      const std::u16string& token, std::string& sehText) {
-  return trappedCall(jobState, "SEH Exception trapped in 3ds max: ", sehText, false, [&] {
-    runDaemon(jobState, socket, portNumber, token);
+Trapped<bool> runDaemonTrapped(JobState& job, win32::simple_socket& connection, std::int32_t portNumber,
+                               const std::u16string& token) {
+  return trappedCall(job, "SEH Exception trapped in 3ds max: ", false, [&] {
+    runDaemon(job, connection, portNumber, token);
     log_file << "Returning TRUE" << LogFile::endl;
     return true;
   });
 }
 
-void report(win32::simple_socket& socket, const std::string& logLine, const std::string& reply) {
+void report(win32::simple_socket& connection, const std::string& logLine, const std::string& reply) {
   log_file << logLine << LogFile::endl;
-  if (socket.isConnected()) sendReply(socket, reply);
+  if (connection.isConnected()) sendReply(connection, protocol::kError, reply);
   platform::clock().sleep(kPauseAfterReportMs);
 }
 
 // Reports the exception being handled.
-void reportException(win32::simple_socket& socket) {
+void reportException(win32::simple_socket& connection) {
   try {
     throw;
   } catch (const std::bad_alloc&) {
-    report(socket, "Exception: std::bad_alloc",
-           "ERROR: Exception caught in 3ds max: Out of memory.  There was not enough memory available to fulfill a "
+    report(connection, "Exception: std::bad_alloc",
+           "Exception caught in 3ds max: Out of memory.  There was not enough memory available to fulfill a "
            "memory request.");
   } catch (const std::exception& error) {
-    report(socket, std::string("Exception: ") + error.what(),
-           std::string("ERROR: Exception caught in 3ds max: ") + error.what());
+    report(connection, std::string("Exception: ") + error.what(),
+           std::string("Exception caught in 3ds max: ") + error.what());
   } catch (const hostsdk::MAXException& error) {
     const std::string text = to_string(error.message());
-    report(socket, "MAXException: " + text, "ERROR: MAXException caught in 3ds max: " + text);
+    report(connection, "MAXException: " + text, "MAXException caught in 3ds max: " + text);
   } catch (const hostsdk::MAXScriptException& error) {
     const std::string text = to_string(mxs::printedText(error));
-    report(socket, "Maxscript exception caught: " + text, "ERROR: Maxscript exception:" + text);
+    report(connection, "Maxscript exception caught: " + text, "Maxscript exception:" + text);
   } catch (...) {
-    report(socket, "Unknown exception caught", "ERROR: Unknown exception caught. (3ds max may have crashed)");
+    report(connection, "Unknown exception caught", "Unknown exception caught. (3ds max may have crashed)");
   }
 }
 
@@ -119,22 +118,20 @@ bool refuseSecondRun() {
 
 }  // namespace
 
-bool RunCorvantisDaemon(JobState& jobState, win32::simple_socket& socket, bool& daemonRunning, std::int32_t portNumber,
+bool RunCorvantisDaemon(JobState& job, win32::simple_socket& connection, bool& daemonRunning, std::int32_t portNumber,
                         const std::u16string& token) {
   log_file << "Thread: " << std::uint64_t{platform::currentThreadId()} << LogFile::endl;
   if (daemonRunning) return refuseSecondRun();
   const RunningFlag running(daemonRunning);
   log_file << "running daemon..." << LogFile::endl;
-  bool result = false;
-  std::string sehText;
+  Trapped<bool> outcome;
   try {
-    result = runDaemonTrapped(jobState, socket, portNumber, token, sehText);
+    outcome = runDaemonTrapped(job, connection, portNumber, token);
   } catch (...) {
-    reportException(socket);
+    reportException(connection);
   }
-  if (!sehText.empty())
-    report(socket, "SEH exception caught", "ERROR: SEH exception: " + sehText + "\n" + jobState.crashDescription);
-  return result;
+  if (outcome.faulted()) report(connection, "SEH exception caught", "SEH exception: " + faultText(job, outcome));
+  return outcome.value;
 }
 
 }  // namespace corvantis

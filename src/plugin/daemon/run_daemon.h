@@ -17,7 +17,11 @@ namespace corvantis {
 //
 // Blocks the calling thread, which must be the host's main thread; its message queue is drained every 120 s of silence.
 // `daemonRunning` is set meanwhile. Throws only when the report of an error cannot be sent either.
-bool RunCorvantisDaemon(JobState& jobState, win32::simple_socket& socket, bool& daemonRunning, std::int32_t portNumber,
+bool RunCorvantisDaemon(JobState& job, win32::simple_socket& connection, bool& daemonRunning, std::int32_t portNumber,
                         const std::u16string& token);
+
+// Build date and time as the compiler gives them: "May 27 2019 17:22:03 R". A one-digit day has a second blank before
+// it.
+std::string buildVersionString();
 
 }  // namespace corvantis

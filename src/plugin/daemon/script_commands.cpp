@@ -1,13 +1,9 @@
-#include "plugin/daemon/script_commands.h"
-
-#include <algorithm>
+// The commands that run scripts.
 #include <limits>
 
 #include "hostsdk/core_interface.h"
-#include "plugin/daemon/reply.h"
-#include "plugin/interface/mxs/evaluate.h"
-#include "plugin/interface/mxs/execute_script_string.h"
-#include "plugin/interface/mxs/file_in.h"
+#include "plugin/daemon/commands.h"
+#include "plugin/interface/mxs/run_script.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
 
@@ -22,10 +18,6 @@ struct FileRun {
   std::int32_t frame = 0;
   bool returnText = false;
 };
-
-void replyFileError(const CommandCall& call, const std::u16string& text) {
-  sendReply(call.socket, u"ERROR: ExecuteMaxScriptFile: " + text);
-}
 
 std::optional<bool> flagIn(std::u16string parameter) {
   for (char16_t& c : parameter)
@@ -45,7 +37,7 @@ std::optional<hostsdk::TimeValue> timeOf(std::int32_t frame) {
 // nullopt after an error reply.
 std::optional<FileRun> readFileRun(const CommandCall& call) {
   const auto refuse = [&](const std::u16string& text) {
-    replyFileError(call, text);
+    replyError(call, text);
     return std::nullopt;
   };
   FileRun run;
@@ -75,36 +67,36 @@ std::optional<FileRun> readFileRun(const CommandCall& call) {
   return run;
 }
 
-void setFrame(JobState& jobState, const FileRun& run) {
+void setFrame(JobState& job, const FileRun& run) {
   hostsdk::Interface8& core = *hostsdk::GetCOREInterface8();
   constexpr bool redraw = true;
-  jobState.currentFrame = run.frame;
+  job.currentFrame = run.frame;
   core.SetTime(*run.time, redraw);
-  log_file << "Set Time to " << jobState.currentFrame << LogFile::endl;
+  log_file << "Set Time to " << job.currentFrame << LogFile::endl;
   log_file << "GetTime(): " << core.GetTime() << LogFile::endl;
 }
 
 void replySuccessOf(const CommandCall& call, hostsdk::Value& value) {
   if (value.kind() == Kind::ok || (value.kind() == Kind::boolean && value.isTrue()))
-    return sendReply(call.socket, std::u16string(u"SUCCESS"));
+    return sendReply(call.connection, protocol::kSuccess);
   const std::u16string failed = u"Script did not return success. Returned value was";
-  if (value.kind() == Kind::boolean) return replyFileError(call, failed + u" false.");
-  replyFileError(call, failed + u": " + mxs::textOf(value) + u".");
+  if (value.kind() == Kind::boolean) return replyError(call, failed + u" false.");
+  replyError(call, failed + u": " + mxs::textOf(value) + u".");
 }
 
 void replyTextOf(const CommandCall& call, hostsdk::Value& value) {
-  if (value.kind() == Kind::string) return sendReply(call.socket, u"SUCCESS: " + mxs::textOf(value));
-  replyFileError(call, u"Requested a return string, but the script did not return a string. Value received was: " +
-                           mxs::textOf(value) + u"'.");
+  if (value.kind() == Kind::string) return sendReply(call.connection, protocol::kSuccessWith, mxs::textOf(value));
+  replyError(call, u"Requested a return string, but the script did not return a string. Value received was: " +
+                       mxs::textOf(value) + u"'.");
 }
 
 }  // namespace
 
 void executeMaxScriptFile(const CommandCall& call) {
-  sendReply(call.socket, std::u16string(u"STARTED"));
+  sendReply(call.connection, protocol::kStarted);
   const std::optional<FileRun> run = readFileRun(call);
   if (!run) return;
-  if (run->time) setFrame(call.jobState, *run);
+  if (run->time) setFrame(call.job, *run);
   log_file << "Executing script " << run->file << LogFile::endl;
   hostsdk::Value* value = mxs::file_in(run->file);
   log_file << "Done Executing script " << run->file << LogFile::endl;
@@ -117,16 +109,16 @@ void executeMaxScriptFile(const CommandCall& call) {
 void executeStringScript(const CommandCall& call) {
   const std::optional<std::int32_t> frame = integerIn(call.parameters[0]);
   if (!frame)
-    return sendReply(call.socket, u"ERROR: ExecuteScript: Parameter 1 , \"" + call.parameters[0] +
-                                      u"\", is not a valid frame number.");
-  call.jobState.currentFrame = *frame;
-  sendReply(call.socket, std::u16string(u"STARTED"));
+    return sendReply(call.connection, protocol::kError,
+                     u"ExecuteScript: " + invalidParameter(call, 0, u"a valid frame number", BeforeComma::blank));
+  call.job.currentFrame = *frame;
+  sendReply(call.connection, protocol::kStarted);
   log_file << "Executing script... " << LogFile::endl;
   mxs::executeScriptString script(call.parameters[1]);
   hostsdk::Value* value = script.run();
   log_file << "... Done Executing script " << LogFile::endl;
-  if (value->kind() == Kind::string) return sendReply(call.socket, u"SUCCESS: " + mxs::textOf(*value));
-  sendReply(call.socket, u"ERROR: Script did not return a string: " + mxs::textOf(*value));
+  if (value->kind() == Kind::string) return sendReply(call.connection, protocol::kSuccessWith, mxs::textOf(*value));
+  sendReply(call.connection, protocol::kError, u"Script did not return a string: " + mxs::textOf(*value));
 }
 
 }  // namespace corvantis

@@ -20,7 +20,7 @@ namespace corvantis {
 class CorvantisInterface : public max3d::fpwrapper::FFStaticInterface<CorvantisInterface, 4> {
  public:
   // Registers itself with the host. The arguments are borrowed and must outlive the object.
-  CorvantisInterface(JobState& jobState, win32::simple_socket& farmSocket, bool& daemonRunning);
+  CorvantisInterface(JobState& job, win32::simple_socket& connection, bool& daemonRunning);
 
   // A job without a worker, for debugging. True on success; false after the reason has gone to listener and log.
   bool Debug_StartJob(const std::u16string& fileName, const std::u16string& cameraName);
@@ -58,8 +58,8 @@ class CorvantisInterface : public max3d::fpwrapper::FFStaticInterface<CorvantisI
  private:
   hostsdk::Value* textProperty(const std::u16string& text);
 
-  JobState& jobState_;
-  win32::simple_socket& farmSocket_;
+  JobState& job_;
+  win32::simple_socket& connection_;
   bool& daemonRunning_;
 };
 

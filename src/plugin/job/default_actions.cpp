@@ -25,7 +25,7 @@ struct MissingKind {
 constexpr std::uint32_t kIgnore = kActionLog;
 
 // The order in which every operation visits the kinds. A missing external scene is also recorded, so that the load can
-// be failed with the host's own text.
+// be failed with the host's own text. "cooridinate" is spelled as the system spells it.
 constexpr MissingKind kKinds[] = {
     {hostsdk::kTypeMissingExternalFiles, &JobSettings::ignoreMissingExternalFiles, kActionLog | kActionFail,
      "Ignoring missing external file errors", "Not ignoring missing external file errors",

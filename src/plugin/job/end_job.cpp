@@ -2,8 +2,6 @@
 
 #include <stdexcept>
 
-#include "plugin/job/trapped_call.h"
-
 namespace corvantis {
 
 void EndJob(JobState& job) {
@@ -16,21 +14,16 @@ void EndJob(JobState& job) {
   job.jobRunning = false;
 }
 
-void trappedEndJob(JobState& job, std::string& sehText) {
-  trappedCall(job, "Trapped SEH Exception in EndJob(): ", sehText, [&] { EndJob(job); });
+Trapped<void> trappedEndJob(JobState& job) {
+  return trappedCall(job, "Trapped SEH Exception in EndJob(): ", [&] { EndJob(job); });
 }
 
 void closeRenderer(JobState& job) {
   if (!job.rendererOpen) return;
-  std::string sehText;
-  trappedCloseCurRenderer(job, sehText);
-  if (!sehText.empty()) throw std::runtime_error(sehText + "\n" + job.crashDescription);
+  throwIfFaulted(job, trappedCall(job, "Trapped SEH Exception in CloseCurRenderer(): ", [&] {
+                   job.hostCore.v8->CloseCurRenderer();
+                 }));
   job.rendererOpen = false;
-}
-
-void trappedCloseCurRenderer(JobState& job, std::string& sehText) {
-  trappedCall(job, "Trapped SEH Exception in CloseCurRenderer(): ", sehText,
-              [&] { job.hostCore.v8->CloseCurRenderer(); });
 }
 
 }  // namespace corvantis

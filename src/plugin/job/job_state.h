@@ -9,6 +9,7 @@
 #include "hostsdk/bitmap.h"
 #include "hostsdk/core_interface.h"
 #include "plugin/job/settings.h"
+#include "plugin/util/log_file.h"
 
 namespace corvantis {
 
@@ -18,11 +19,14 @@ struct HostCore {
   hostsdk::Interface11* v11 = nullptr;
   hostsdk::Interface14* v14 = nullptr;
 };
+inline HostCore fetchHostCore() {
+  return {hostsdk::GetCOREInterface8(), hostsdk::GetCOREInterface11(), hostsdk::GetCOREInterface14()};
+}
 
 class JobState {
  public:
   // Gives every field its value at load and opens the log file.
-  JobState();
+  JobState() { openLogFile(log_file); }
   JobState(const JobState&) = delete;
   JobState& operator=(const JobState&) = delete;
 

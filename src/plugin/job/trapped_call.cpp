@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <new>
+#include <stdexcept>
 
 #include "plugin/job/crash_description.h"
 
@@ -20,21 +21,25 @@ void reserveDescription(std::string& description) noexcept {
 
 }  // namespace
 
-bool trapFilter(void* jobState, const platform::FaultContext& context) {
-  std::string& description = static_cast<JobState*>(jobState)->crashDescription;
+std::string faultText(const JobState& job, const TrapOutcome& outcome) {
+  return outcome.sehText + "\n" + job.crashDescription;
+}
+
+void throwIfFaulted(const JobState& job, const TrapOutcome& outcome) {
+  if (outcome.faulted()) throw std::runtime_error(faultText(job, outcome));
+}
+
+bool trapFilter(void* job, const platform::FaultContext& context) {
+  std::string& description = static_cast<JobState*>(job)->crashDescription;
   const CrashText text = describeCrash(&context);
   description.assign(text.view().substr(0, std::min(text.view().size(), description.capacity())));
   return isTrappedCode(context.code);
 }
 
-bool runTrapped(JobState& jobState, const char* prefix, std::string& sehText, void (*work)(void* argument),
-                void* argument) {
-  sehText.clear();
-  reserveDescription(jobState.crashDescription);
-  const std::uint32_t code = platform::runGuarded(work, argument, &trapFilter, &jobState);
-  if (code == 0) return false;
-  sehText.append(prefix).append(sehExceptionName(code));
-  return true;
+std::string runTrapped(JobState& job, const char* prefix, void (*work)(void* argument), void* argument) {
+  reserveDescription(job.crashDescription);
+  const std::uint32_t code = platform::runGuarded(work, argument, &trapFilter, &job);
+  return code == 0 ? std::string() : std::string(prefix) + sehExceptionName(code);
 }
 
 }  // namespace corvantis

@@ -1,9 +1,7 @@
 // Calls that may fault, made so that a fault becomes an error text.
 //
-// sehText is emptied first. After a handled fault it is the prefix followed by the fault's name, the job's
-// crashDescription tells the rest, and the call returns normally; the work is abandoned where it stood. Thrown
-// exceptions pass through unchanged, and leave a crashDescription of their own. Faults that are not handled (float
-// underflow among them) go on outward.
+// Thrown exceptions pass through unchanged, and leave a crashDescription of their own. Faults that are not handled
+// (float underflow among them) go on outward.
 #pragma once
 
 #include <string>
@@ -14,33 +12,48 @@
 
 namespace corvantis {
 
-// A platform::FaultFilter; `jobState` is the JobState. Describes whatever it is shown and accepts the trapped codes.
-// The description is cut to the capacity that jobState.crashDescription has at that moment: a filter must not allocate.
-bool trapFilter(void* jobState, const platform::FaultContext& context);
+// How a trapped call ended. After a handled fault `sehText` is the call's prefix followed by the fault's name, the
+// job's crashDescription tells the rest, and the work is abandoned where it stood; otherwise `sehText` is empty.
+struct TrapOutcome {
+  std::string sehText;
 
-// The parts of a trapped call that do not depend on the work's type. True when a fault was handled.
-bool runTrapped(JobState& jobState, const char* prefix, std::string& sehText, void (*work)(void* argument),
-                void* argument);
+  bool faulted() const { return !sehText.empty(); }
+};
+
+// The same with what the work returned.
+template <class T>
+struct Trapped : TrapOutcome {
+  T value{};
+};
+template <>
+struct Trapped<void> : TrapOutcome {};
+
+// The fault and its crash description, as the worker is told of it.
+std::string faultText(const JobState& job, const TrapOutcome& outcome);
+// Throws std::runtime_error with that text if there was a fault.
+void throwIfFaulted(const JobState& job, const TrapOutcome& outcome);
+
+// A platform::FaultFilter; `job` is the JobState. Describes whatever it is shown and accepts the trapped codes. The
+// description is cut to the capacity that the job's crashDescription has at that moment: a filter must not allocate.
+bool trapFilter(void* job, const platform::FaultContext& context);
+
+// The part of a trapped call that does not depend on the work's type; gives sehText.
+std::string runTrapped(JobState& job, const char* prefix, void (*work)(void* argument), void* argument);
 
 template <class Work>
-bool runTrapped(JobState& jobState, const char* prefix, std::string& sehText, Work& work) {
-  const auto run = [](void* body) { (*static_cast<Work*>(body))(); };
-  return runTrapped(jobState, prefix, sehText, run, &work);
-}
-
-template <class Work>
-void trappedCall(JobState& jobState, const char* prefix, std::string& sehText, Work&& work) {
+Trapped<void> trappedCall(JobState& job, const char* prefix, Work&& work) {
   auto body = [&] { work(); };
-  runTrapped(jobState, prefix, sehText, body);
+  return {{runTrapped(
+      job, prefix, [](void* call) { (*static_cast<decltype(body)*>(call))(); }, &body)}};
 }
 
 // As above, for work with a result; whenFaulted takes its place after a handled fault.
 template <class Work, class Result>
-Result trappedCall(JobState& jobState, const char* prefix, std::string& sehText, Result whenFaulted, Work&& work) {
+Trapped<Result> trappedCall(JobState& job, const char* prefix, Result whenFaulted, Work&& work) {
   static_assert(std::is_trivially_copyable_v<Result>, "a fault may leave it half written");
   Result result = whenFaulted;
-  auto body = [&] { result = static_cast<Result>(work()); };
-  return runTrapped(jobState, prefix, sehText, body) ? whenFaulted : result;
+  const Trapped<void> outcome = trappedCall(job, prefix, [&] { result = static_cast<Result>(work()); });
+  return {{outcome}, outcome.faulted() ? whenFaulted : result};
 }
 
 }  // namespace corvantis

@@ -3,37 +3,29 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <stdexcept>
 
+#include "hostsdk/render.h"
 #include "plugin/render/output_files.h"
-#include "plugin/render/owned_bitmap.h"
+#include "plugin/render/output_image.h"
 
 namespace corvantis {
 namespace {
 
-// The render type of a region that becomes the whole picture, cropped or blown up.
-constexpr std::int32_t kRegionIsPicture = 4;
-
-std::uint16_t sizeBetween(std::int32_t from, std::int32_t to) {
-  return static_cast<std::uint16_t>(std::int64_t{to} - from);
-}
-
-// `over` is the padding that did not fit at both sides together.
-std::uint16_t sizeAfterCut(int rendered, std::int32_t padding, std::int64_t over) {
-  const std::int64_t size = rendered - 2 * std::int64_t{padding} + over;
-  return static_cast<std::uint16_t>(std::clamp<std::int64_t>(size, 0, std::numeric_limits<std::uint16_t>::max()));
-}
-
-void setSize(int width, int height, hostsdk::BitmapInfo& info) {
+// A size keeps its lower 16 bits.
+void setSize(std::int64_t width, std::int64_t height, hostsdk::BitmapInfo& info) {
   info.SetWidth(static_cast<std::uint16_t>(width));
   info.SetHeight(static_cast<std::uint16_t>(height));
 }
 
+// What the cut leaves of a rendered size, where the padding did not fit at the sides by `firstOver` and `secondOver`.
+std::int64_t sizeAfterCut(int rendered, std::int32_t padding, std::int32_t firstOver, std::int32_t secondOver) {
+  const std::int64_t size = rendered - 2 * std::int64_t{padding} + firstOver + secondOver;
+  return std::clamp<std::int64_t>(size, 0, std::numeric_limits<std::uint16_t>::max());
+}
+
 void setCutSize(const JobSettings& settings, int width, int height, hostsdk::BitmapInfo& info) {
-  const std::int64_t overX = std::int64_t{settings.regionLeftOver} + settings.regionRightOver;
-  const std::int64_t overY = std::int64_t{settings.regionTopOver} + settings.regionBottomOver;
-  info.SetWidth(sizeAfterCut(width, settings.regionPadding, overX));
-  info.SetHeight(sizeAfterCut(height, settings.regionPadding, overY));
+  setSize(sizeAfterCut(width, settings.regionPadding, settings.regionLeftOver, settings.regionRightOver),
+          sizeAfterCut(height, settings.regionPadding, settings.regionTopOver, settings.regionBottomOver), info);
 }
 
 // Where the rendered image lands in the cut one.
@@ -45,12 +37,6 @@ void setPlacement(const JobSettings& settings, int width, int height, hostsdk::B
   info.SetCustomFlags(info.CustomFlags() | hostsdk::kCustomOffset | hostsdk::kCustomSize);
 }
 
-OwnedBitmap createRegionBitmap(const hostsdk::BitmapInfo& info) {
-  OwnedBitmap bitmap(hostsdk::TheManager()->Create(info));
-  if (!bitmap) throw std::runtime_error("Failed to allocate region Bitmap: TheManager->Create() return NULL");
-  return bitmap;
-}
-
 }  // namespace
 
 std::optional<hostsdk::Rect> regionToRender(const JobSettings& settings) {
@@ -60,15 +46,11 @@ std::optional<hostsdk::Rect> regionToRender(const JobSettings& settings) {
 
 void applyRegionSize(JobState& job) {
   const JobSettings& settings = job.settings;
-  if (!settings.regionRendering || settings.regionType != kRegionIsPicture) return;
-  const std::uint16_t width = sizeBetween(settings.regionLeft, settings.regionRight);
-  const std::uint16_t height = sizeBetween(settings.regionTop, settings.regionBottom);
-  const auto resize = [=](hostsdk::BitmapInfo& info) {
-    info.SetWidth(width);
-    info.SetHeight(height);
-  };
-  resize(job.outputInfo);
-  for (hostsdk::ElementOutput* output : job.elementOutputs) resize(output->info);
+  if (!settings.regionRendering || settings.regionType != hostsdk::kRenderTypeRegion) return;
+  const std::int64_t width = std::int64_t{settings.regionRight} - settings.regionLeft;
+  const std::int64_t height = std::int64_t{settings.regionBottom} - settings.regionTop;
+  setSize(width, height, job.outputInfo);
+  for (hostsdk::ElementOutput* output : job.elementOutputs) setSize(width, height, output->info);
 }
 
 void writeRegionOutput(JobState& job, hostsdk::Bitmap& bitmap, const hostsdk::BitmapInfo& info,
@@ -84,7 +66,7 @@ void writeRegionOutput(JobState& job, hostsdk::Bitmap& bitmap, const hostsdk::Bi
   }
 
   setCutSize(job.settings, width, height, regionInfo);
-  const OwnedBitmap region = createRegionBitmap(regionInfo);
+  const OwnedBitmap region = createBitmap(regionInfo, "region Bitmap");
   setPlacement(job.settings, width, height, regionInfo);
   region->PrepareGChannels(regionInfo);
   if (hostsdk::BitmapStorage* storage = region->Storage()) {

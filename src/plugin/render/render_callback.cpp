@@ -38,6 +38,13 @@ std::u16string cleanTitle(const char16_t* title) {
   return text;
 }
 
+// Whether a title names the rendering phase itself, whatever its letter case.
+bool isRenderingTitle(const std::u16string& text) {
+  const std::u16string lower = lowerCase(text);
+  return contains(lower, u"rendering image") || lower == u"rendering..." || contains(lower, u"quality reached:") ||
+         contains(lower, u"%  rendering") || lower == u"rendering";
+}
+
 bool preparesScene(const std::u16string& text) {
   const std::u16string lower = lowerCase(text);
   return contains(lower, u"loading bitmaps ") || contains(lower, u"updating object ") ||
@@ -62,12 +69,6 @@ std::u16string oneDecimal(float number) {
 
 }  // namespace
 
-bool isRenderingTitle(const std::u16string& text) {
-  const std::u16string lower = lowerCase(text);
-  return contains(lower, u"rendering image") || lower == u"rendering..." || contains(lower, u"quality reached:") ||
-         contains(lower, u"%  rendering") || lower == u"rendering";
-}
-
 CorvantisRenderCallback::CorvantisRenderCallback(win32::simple_socket& connection, std::u16string passPrefix)
     : connection_(connection), passPrefix_(std::move(passPrefix)) {}
 
@@ -82,7 +83,7 @@ void CorvantisRenderCallback::SetTitle(const char16_t* title) {
   std::u16string text = cleanTitle(title);
   if (isInformative(text)) {
     try {
-      connection_.send(to_utf8(u"FUNCTION: STDOUT: " + text));
+      relayStdoutLine(connection_, text);
     } catch (...) {  // a log line that cannot be sent is not worth a frame
     }
   }
@@ -99,6 +100,7 @@ int CorvantisRenderCallback::Progress(int done, int total) {
   try {
     sendProgress(static_cast<float>(done) * 100.0F / static_cast<float>(total));
   } catch (const win32::simple_socket_error& e) {
+    // "excetion" is spelled as the system spells it.
     log_file << "caught simple socket excetion when handling progress: " << e.what() << LogFile::endl;
   }
   return 1;
@@ -107,14 +109,10 @@ int CorvantisRenderCallback::Progress(int done, int total) {
 void CorvantisRenderCallback::sendProgress(float percent) {
   bool rendering = false;
   if (percent > 0.0F) {
-    connection_.send(to_utf8(u"FUNCTION: SETTITLE " + passPrefix_ + title_ + u" - " + oneDecimal(percent) + u"%"));
+    postTitle(connection_, passPrefix_ + title_ + u" - " + oneDecimal(percent) + u"%");
     rendering = isRenderingTitle(title_);
   }
-  if (rendering) {
-    connection_.send(to_utf8(u"FUNCTION: PROGRESS " + to_wstring(percent * passScale_ + passOffset_)));
-  } else {
-    connection_.send("FUNCTION: PROGRESS -1");
-  }
+  postProgress(connection_, rendering ? percent * passScale_ + passOffset_ : protocol::notice::kUnmeasured);
 }
 
 void CorvantisRenderCallback::setPass(std::int32_t pass, std::int32_t passCount) {

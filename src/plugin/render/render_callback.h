@@ -10,10 +10,8 @@
 
 namespace corvantis {
 
-// Whether a renderer's title names the rendering phase itself, whatever its letter case.
-bool isRenderingTitle(const std::u16string& text);
-
-// One object a call of the renderer. Titles become lines of the task's log; progress becomes the task's title and
+// One object a call of the renderer. Titles become lines of the task's log, unless they name the rendering phase itself
+// ("Rendering image", "50%  Rendering", ..., whatever their letter case); progress becomes the task's title and
 // progress bar, at most once a second for all objects of the process together. The renderer is never told to abort.
 // A lost connection does not reach it either.
 class CorvantisRenderCallback : public hostsdk::RendProgressCallback {

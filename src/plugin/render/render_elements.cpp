@@ -4,10 +4,9 @@
 #include <utility>
 
 #include "plugin/daemon/requests/requests.h"
-#include "plugin/job/black_frame.h"
+#include "plugin/render/black_frame.h"
 #include "plugin/render/output_files.h"
-#include "plugin/render/output_info.h"
-#include "plugin/render/output_naming.h"
+#include "plugin/render/output_image.h"
 #include "plugin/render/region_output.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"

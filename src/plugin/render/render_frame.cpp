@@ -1,19 +1,15 @@
 #include "plugin/render/render_frame.h"
 
 #include <stdexcept>
+#include <vector>
 
 #include "plugin/daemon/requests/requests.h"
-#include "plugin/job/black_frame.h"
 #include "plugin/job/default_actions.h"
 #include "plugin/job/end_job.h"
-#include "plugin/job/trapped_call.h"
-#include "plugin/render/frame_cleanup.h"
+#include "plugin/render/black_frame.h"
 #include "plugin/render/frame_passes.h"
-#include "plugin/render/frame_time.h"
-#include "plugin/render/jpeg_preview.h"
 #include "plugin/render/output_files.h"
-#include "plugin/render/output_info.h"
-#include "plugin/render/output_naming.h"
+#include "plugin/render/output_image.h"
 #include "plugin/render/region_output.h"
 #include "plugin/render/render_elements.h"
 #include "plugin/render/renderer_setup.h"
@@ -24,10 +20,36 @@
 namespace corvantis {
 namespace {
 
-void takeHostCoreIfNone(JobState& job) {
-  if (job.hostCore.v8) return;
-  job.hostCore = {hostsdk::GetCOREInterface8(), hostsdk::GetCOREInterface11(), hostsdk::GetCOREInterface14()};
-}
+// What every frame puts back in order, however it ends. Owns the frame's main bitmap and, through the job state, the
+// elements' bitmaps and the names that the frame changes. Both steps may be done early; the destructor does what is
+// left. Without a main bitmap there are none of the elements.
+class FrameCleanup {
+ public:
+  explicit FrameCleanup(JobState& job) : job_(job) {}
+  ~FrameCleanup() {
+    releaseBitmaps();
+    restoreNames();
+  }
+  FrameCleanup(const FrameCleanup&) = delete;
+  FrameCleanup& operator=(const FrameCleanup&) = delete;
+
+  void releaseBitmaps() {
+    if (!mainBitmap) return;
+    mainBitmap.reset();
+    releaseElementBitmaps(job_);
+  }
+  void restoreNames() {
+    job_.outputInfo.SetName(job_.outputBaseName);
+    for (const ElementSceneName& element : elementNames) element.output->info.SetName(element.name);
+    elementNames.clear();
+  }
+
+  OwnedBitmap mainBitmap;
+  std::vector<ElementSceneName> elementNames;
+
+ private:
+  JobState& job_;
+};
 
 // Outside a job nodes and viewports of the last one may be gone with its scene.
 void forgetViewOfEndedJob(JobState& job) {
@@ -65,7 +87,7 @@ void nameMainOutput(JobState& job, std::int32_t frame) {
 bool skipsExisting(const JobState& job, win32::simple_socket& connection) {
   const std::u16string& name = job.outputInfo.Name();
   if (!job.hostCore.v8->RenderSkipExisting() || !file_exists(name)) return false;
-  sendStdoutLine(connection, u"Skipping frame \"" + name + u"\" because it already exists");
+  sendStdoutLine(connection, protocol::notice::kSkipping, u"\"" + name + u"\" because it already exists");
   return true;
 }
 
@@ -89,14 +111,6 @@ void checkOutputPaths(JobState& job, win32::simple_socket& connection) {
     if (job.settings.useJpegOutput) checkJpegFolder(job, connection);
   }
   if (job.settings.saveRenderElements) createElementOutputPaths(job, connection);
-}
-
-void renderImage(JobState& job, hostsdk::TimeValue time, hostsdk::Bitmap& image, win32::simple_socket& connection) {
-  if (job.multipassEnabled) {
-    renderMultipass(job, time, image, connection);
-  } else {
-    renderWhole(job, time, image, connection);
-  }
 }
 
 void checkMainImage(const JobState& job, hostsdk::Bitmap& image, win32::simple_socket& connection) {
@@ -127,7 +141,7 @@ void closeForRestart(JobState& job) {
 }  // namespace
 
 std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection) {
-  takeHostCoreIfNone(job);
+  if (!job.hostCore.v8) job.hostCore = fetchHostCore();
   forgetViewOfEndedJob(job);
   sendStdoutLine(connection, u"Render frame " + to_wstring(frame));
   const hostsdk::TimeValue time = setSceneTime(job, frame);
@@ -143,14 +157,14 @@ std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socke
   cleanup.mainBitmap = createMainBitmap(job);
   nameRenderElements(job, frame, cleanup.elementNames);
   sendStdoutLine(connection, u"Rendering " + to_wstring(job.renderElementCount) + u" render elements");
-  if (!job.rendererOpen) setupRenderer(job, frame, connection);
+  setupRenderer(job, frame, connection);
   if (job.multipassEnabled) createElementAccumulators(job);
   requireRunningJob(job);
 
   checkOutputPaths(job, connection);
   reportDefaultActions(job, connection);
   sendStdoutLine(connection, u"Calling renderer");
-  renderImage(job, time, *cleanup.mainBitmap, connection);
+  renderPasses(job, time, *cleanup.mainBitmap, connection);
   sendStdoutLine(connection, u"Render done");
   checkMainImage(job, *cleanup.mainBitmap, connection);
   saveMainOutput(job, *cleanup.mainBitmap, connection);
@@ -162,9 +176,8 @@ std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socke
   return 0;
 }
 
-std::uint16_t trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection,
-                                 std::string& sehText) {
-  return trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", sehText, std::uint16_t{1},
+Trapped<std::uint16_t> trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection) {
+  return trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", std::uint16_t{1},
                      [&] { return RenderFrame(job, frame, connection); });
 }
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "plugin/job/job_state.h"
+#include "plugin/job/trapped_call.h"
 #include "plugin/transport/simple_socket.h"
 
 namespace corvantis {
@@ -20,10 +20,8 @@ namespace corvantis {
 // which went with the scene: the renderer is then opened for neither.
 std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection);
 
-// The same with machine faults trapped: 1 after a fault, and `sehText`, empty otherwise, then tells which. A fault
-// leaves the frame where it stood, its bitmaps and names included. Faults of the renderer itself are trapped inside
-// RenderFrame and end the frame like any failure.
-std::uint16_t trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection,
-                                 std::string& sehText);
+// The same with machine faults trapped: 1 after a fault, which leaves the frame where it stood, its bitmaps and names
+// included. Faults of the renderer itself are trapped inside RenderFrame and end the frame like any failure.
+Trapped<std::uint16_t> trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection);
 
 }  // namespace corvantis

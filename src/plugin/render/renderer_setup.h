@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
+#include "hostsdk/types.h"
 #include "plugin/job/job_state.h"
 #include "plugin/transport/simple_socket.h"
 
@@ -16,12 +16,12 @@ namespace corvantis {
 // Throws std::runtime_error when the render camera is no camera, or when the host cannot open the renderer or faults
 // while it does; rendererOpen then stays clear, and the next frame tries again.
 //
-// A multipass holder that is no camera, and an enabled effect that the camera does not hand out, count as not there:
-// multipass is off with one pass.
+// The multipass effect is the render camera's or, for the cameras of renderer A that keep theirs elsewhere, that of
+// their last child named "Multipass". A holder that is no camera, and an enabled effect that the camera does not hand
+// out, count as not there: multipass is off with one pass.
 void setupRenderer(JobState& job, std::int32_t frame, win32::simple_socket& connection);
 
-// The host's OpenCurRenderer at the scene's render size, with machine faults trapped: 0 after a fault, and `sehText`
-// then tells which. One of `camera` and `view` is null.
-int trappedOpenCurRenderer(JobState& job, hostsdk::INode* camera, hostsdk::ViewExp* view, std::string& sehText);
+// Scene time of a frame in ticks. A frame too far out for the host's 32-bit time wraps around.
+hostsdk::TimeValue frameTime(std::int32_t frame, int ticksPerFrame);
 
 }  // namespace corvantis

@@ -8,7 +8,7 @@
 namespace corvantis::win32 {
 namespace {
 
-constexpr std::size_t kHeaderSize = 4;
+constexpr std::size_t kHeaderSize = protocol::kHeaderSize;
 constexpr std::size_t kReadChunk = 0x400000;
 
 using Header = std::array<char, kHeaderSize>;

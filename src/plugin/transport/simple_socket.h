@@ -11,13 +11,14 @@
 #include <string_view>
 
 #include "platform/socket.h"
+#include "protocol/framing.h"
 
 namespace corvantis::win32 {
 
 // The largest payload that receive accepts, and the largest message, header included, that send accepts.
-inline constexpr std::uint32_t MAX_PACKET_SIZE = 100000;
+inline constexpr std::uint32_t MAX_PACKET_SIZE = protocol::kLargestMessage;
 // The time-out that every caller in this system passes to receive.
-inline constexpr std::int32_t COMMAND_TIMEOUT_MS = 120000;
+inline constexpr std::int32_t COMMAND_TIMEOUT_MS = protocol::kAnswerTimeoutMs;
 
 class simple_socket_error : public std::runtime_error {
  public:

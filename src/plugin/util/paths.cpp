@@ -2,18 +2,21 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
 
 #include "plugin/util/text.h"
 
 namespace corvantis {
 namespace {
 
-constexpr std::size_t kNone = std::u16string::npos;
+constexpr std::size_t kNone = std::u16string_view::npos;
 
-bool isSeparatorAt(const std::u16string& path, std::size_t at) { return at < path.size() && path[at] == u'\\'; }
+bool isSeparatorAt(std::u16string_view path, std::size_t at) { return at < path.size() && path[at] == u'\\'; }
 
-// Where the last component of a normalised path starts; its length when it ends in a separator.
-std::size_t componentStart(const std::u16string& path) {
+// These functions take a path whose separators are all backslashes.
+
+// Where the last component starts; the path's length when it ends in a separator.
+std::size_t componentStart(std::u16string_view path) {
   const std::size_t separator = path.rfind(u'\\');
   if (separator != kNone) {
     const bool nothingButServer = separator == 1 && path.size() > 2 && path[0] == u'\\';
@@ -25,10 +28,35 @@ std::size_t componentStart(const std::u16string& path) {
 }
 
 // The position of the separator that stands for the root folder; kNone when the path is relative.
-std::size_t rootSeparator(const std::u16string& path) {
+std::size_t rootSeparator(std::u16string_view path) {
   if (path.size() > 2 && path[1] == u':' && path[2] == u'\\') return 2;
   if (path.size() > 2 && path[0] == u'\\' && path[1] == u'\\' && path[2] != u'\\') return path.find(u'\\', 2);
   return isSeparatorAt(path, 0) ? 0 : kNone;
+}
+
+// The folder part without its trailing separators, but with the one at `root`.
+std::u16string_view withoutTrailingSeparators(std::u16string_view folder, std::size_t root) {
+  while (!folder.empty() && folder.back() == u'\\' && folder.size() - 1 != root) folder.remove_suffix(1);
+  return folder;
+}
+
+// A separator at the end is a component of its own.
+std::size_t sceneNameStart(std::u16string_view path) {
+  if (path == u"\\\\") return 0;
+  return path.ends_with(u'\\') ? path.size() - 1 : componentStart(path);
+}
+
+std::size_t sceneRootSeparator(std::u16string_view path) {
+  const bool isVerbatim = path.size() > 4 && path.starts_with(u"\\\\?\\");
+  return isVerbatim ? path.find(u'\\', 4) : rootSeparator(path);
+}
+
+// Whether the separator at `at` belongs to a run of them that is the path's root.
+bool belongsToRoot(std::u16string_view path, std::size_t at) {
+  while (at > 0 && isSeparatorAt(path, at - 1)) --at;
+  const auto isLetter = [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); };
+  if (at == 0 || (at == 2 && isLetter(path[0]) && path[1] == u':')) return true;
+  return at > 2 && path.starts_with(u"\\\\") && path.find(u'\\', 2) == at;
 }
 
 }  // namespace
@@ -48,11 +76,9 @@ std::u16string ensure_trailing_backslash(std::u16string folder) {
 }
 
 std::u16string parent_of(const std::u16string& path) {
-  std::u16string parent = normalize_path(path);
-  const std::size_t root = rootSeparator(parent);
-  parent.resize(componentStart(parent));
-  while (!parent.empty() && parent.back() == u'\\' && parent.size() - 1 != root) parent.pop_back();
-  return parent;
+  const std::u16string normal = normalize_path(path);
+  const std::u16string_view folder = std::u16string_view(normal).substr(0, componentStart(normal));
+  return std::u16string(withoutTrailingSeparators(folder, rootSeparator(normal)));
 }
 
 std::u16string file_name_of(const std::u16string& path) {
@@ -89,6 +115,15 @@ std::u16string pad_frame_number(std::int32_t number, std::size_t width) {
 
 std::u16string make_numbered_name(const std::u16string& name, std::int32_t number) {
   return ensure_trailing_backslash(parent_of(name)) + stem_of(name) + pad_frame_number(number, 4) + extension_of(name);
+}
+
+ScenePath splitScenePath(const std::u16string& path) {
+  const std::size_t start = sceneNameStart(path);
+  const bool endsInSeparator = start > 0 && isSeparatorAt(path, start);
+  std::u16string_view folder = std::u16string_view(path).substr(0, start);
+  folder = withoutTrailingSeparators(folder, sceneRootSeparator(folder));
+  if (endsInSeparator && folder == u"\\") folder = {};
+  return {endsInSeparator && !belongsToRoot(path, start) ? u"." : path.substr(start), std::u16string(folder)};
 }
 
 }  // namespace corvantis

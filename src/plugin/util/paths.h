@@ -1,4 +1,5 @@
-// Windows paths as text. Every function works on the text alone and first normalises the path where it decomposes it.
+// Windows paths as text. Every function works on the text alone; all but splitScenePath first normalise the path where
+// they decompose it.
 #pragma once
 
 #include <cstddef>
@@ -35,5 +36,16 @@ std::u16string pad_frame_number(std::int32_t number, std::size_t width);
 
 // The path with the number, padded to four, between stem and extension.
 std::u16string make_numbered_name(const std::u16string& name, std::int32_t number);
+
+// The scene file's path, taken apart for the scripts that ask for its name and folder.
+struct ScenePath {
+  std::u16string fileName;
+  std::u16string folder;
+};
+
+// Takes a path with backslashes apart as it stands: "C:\scenes\a.max" is "a.max" in "C:\scenes". The folder of a file
+// in a root keeps the root's separator ("C:\"), a path that ends in a separator has the file name ".", a root is its
+// own file name, a drive without a separator is a folder ("C:a.max" is "a.max" in "C:").
+ScenePath splitScenePath(const std::u16string& path);
 
 }  // namespace corvantis

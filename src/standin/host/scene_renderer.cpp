@@ -14,8 +14,6 @@
 namespace standin::host {
 namespace {
 
-constexpr int kCropType = 4;
-
 // The part of the image that a bitmap shows, and the pixels of it that are rendered.
 struct Target {
   int left = 0, top = 0, width = 0, height = 0;
@@ -28,7 +26,7 @@ Target targetOf(const hostsdk::Bitmap& bitmap, const ImageShape& shape, int rend
     rendered = {std::clamp(region->left, 0, shape.width), std::clamp(region->top, 0, shape.height),
                 std::clamp(region->right, 0, shape.width), std::clamp(region->bottom, 0, shape.height)};
   Target target{0, 0, bitmap.Width(), bitmap.Height(), rendered};
-  if (region && renderType == kCropType) {
+  if (region && renderType == hostsdk::kRenderTypeRegion) {
     target.left = region->left;
     target.top = region->top;
   }

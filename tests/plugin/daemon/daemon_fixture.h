@@ -1,37 +1,21 @@
-// A daemon run against a scripted worker, a fake host and a clock that only moves when a test says so.
+// A daemon run against a scripted worker.
 #pragma once
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "hostsdk/core_interface.h"
 #include "plugin/daemon/run_daemon.h"
-#include "support/fake_clock.h"
-#include "support/fake_host.h"
-#include "support/fake_script_runtime.h"
-#include "support/log_capture.h"
-#include "support/scripted_peer.h"
+#include "support/worker_fixture.h"
 
 namespace corvantis {
 
-class DaemonTest : public testing::Test {
+class DaemonTest : public support::WorkerFixture {
  protected:
-  // As at load, with a worker waiting.
-  DaemonTest() { startAfresh(); }
-
-  void startAfresh() {
-    worker = std::make_unique<support::ScriptedPeer>();
-    socket = std::make_unique<win32::simple_socket>();
-    job = std::make_unique<JobState>();
-    log.startAgain();
-    host.calls.clear();
-  }
-
   // What a job started on the fake host leaves behind.
   void openJob() {
     job->hostCore = {&host.core, &host.core, &host.core};
@@ -40,9 +24,9 @@ class DaemonTest : public testing::Test {
   }
 
   // Runs the conversation that `worker` states.
-  bool run() {
+  bool run(const std::u16string& token = u"token") {
     worker->start();
-    const bool result = RunCorvantisDaemon(*job, *socket, running, worker->port(), u"token");
+    const bool result = RunCorvantisDaemon(*job, *connection, running, worker->port(), token);
     worker->finish();
     EXPECT_FALSE(running);
     return result;
@@ -56,6 +40,14 @@ class DaemonTest : public testing::Test {
     return run();
   }
 
+  // The same for several lines, each with its one reply.
+  void runLines(const std::vector<std::pair<std::string, std::string>>& lines) {
+    worker->handshake("token");
+    for (const auto& [line, reply] : lines) worker->send(line).expect(reply);
+    worker->close();
+    EXPECT_TRUE(run());
+  }
+
   // What the one command wrote to the log: what follows its fields and their empty line.
   std::vector<std::string> logOfCommand() const {
     std::vector<std::string> lines = log.lines();
@@ -63,16 +55,6 @@ class DaemonTest : public testing::Test {
     const auto lastEmpty = std::find(lines.rbegin(), lines.rend(), "");
     return {lastEmpty.base(), lines.end()};
   }
-
-  support::FakeClock clock;
-  platform::ClockReplacement clockReplacement{clock};
-  support::FakeScriptRuntime scripts;
-  support::FakeHost host{&scripts};
-  std::unique_ptr<JobState> job = std::make_unique<JobState>();
-  support::LogCapture log;
-  std::unique_ptr<win32::simple_socket> socket;
-  std::unique_ptr<support::ScriptedPeer> worker;
-  bool running = false;
 };
 
 }  // namespace corvantis

@@ -18,48 +18,22 @@ constexpr const char* kLoaded = "SUCCESS Scene loaded successfully";
 
 class JobCommands : public DaemonTest {};
 
-TEST_F(JobCommands, UnknownWordsAreRepliedOnce) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"", ""},
-      {"\"\"", ""},
-      {",a", ""},
-      {"startjob", "startjob"},
-      {"EndJob ", "EndJob "},
-      {"\"a,b\",c", "a,b"},
-      {"\u4e2d", "\u4e2d"},
-      {"RenderTaskX", "RenderTaskX"},
+TEST_F(JobCommands, NumbersAreCheckedAndStored) {
+  const auto invalid = [](const std::string& word, const std::string& given, const std::string& what) {
+    return std::pair(word + "," + given,
+                     "ERROR: " + word + ": Parameter 1 , \"" + given + "\", is not a valid " + what + " number.");
   };
-  for (const auto& [line, word] : cases) {
-    startAfresh();
-    EXPECT_TRUE(runLine(line, {"ERROR: Unexpected command \"" + word + "\" received."}));
-  }
-}
+  runLines({invalid("CurrentTask", "x", "task"), invalid("CurrentTask", "-2147483649", "task"),
+            invalid("RenderTask", "abc", "frame"), invalid("RenderTask", " 12", "frame")});
+  EXPECT_EQ(job->currentTask, 0);
+  EXPECT_EQ(job->currentFrame, 0);
 
-TEST_F(JobCommands, TheWordMayBeQuoted) {
-  runLine("\"Current\"Task,4", {});
-  EXPECT_EQ(job->currentTask, 4);
-}
-
-TEST_F(JobCommands, ContinueIsOnlyLogged) {
-  runLine("CONTINUE,1,2", {});
-  EXPECT_THAT(logOfCommand(), ElementsAre("Warning: ignoring CONTINUE statement"));
-}
-
-TEST_F(JobCommands, CurrentTask) {
-  const std::pair<std::string, std::vector<std::string>> cases[] = {
-      {"CurrentTask", {"ERROR: CurrentTask: Expected 1 parameter, got 0"}},
-      {"CurrentTask,1,2", {"ERROR: CurrentTask: Expected 1 parameter, got 2"}},
-      {"CurrentTask,x", {"ERROR: CurrentTask: Parameter 1 , \"x\", is not a valid task number."}},
-      {"CurrentTask,-2147483649", {"ERROR: CurrentTask: Parameter 1 , \"-2147483649\", is not a valid task number."}},
-  };
-  for (const auto& [line, replies] : cases) {
-    startAfresh();
-    EXPECT_TRUE(runLine(line, replies));
-    EXPECT_EQ(job->currentTask, 0);
-  }
   startAfresh();
-  runLine("CurrentTask,-12", {});
+  worker->handshake("token").send("\"Current\"Task,-12").send("RenderTask,12");
+  worker->expect("ERROR: RenderTask: Called without being in a job.").close();
+  EXPECT_TRUE(run());
   EXPECT_EQ(job->currentTask, -12);
+  EXPECT_EQ(job->currentFrame, 12) << "stored outside a job too";
 }
 
 TEST_F(JobCommands, StartJobNotesTheSceneAndLoadsIt) {
@@ -75,49 +49,38 @@ TEST_F(JobCommands, StartJobNotesTheSceneAndLoadsIt) {
           {"ERROR: Scene does not contain render camera \"Camera\"", kLoaded});
 }
 
-TEST_F(JobCommands, StartJobCountsItsParameters) {
-  for (const auto& [line, count] :
-       {std::pair("StartJob", "0"), std::pair("StartJob,a.max", "1"), std::pair("StartJob,a,b,c", "3")}) {
-    startAfresh();
-    EXPECT_TRUE(runLine(line, {std::string("ERROR: StartJob: Expected 2 parameters, got ") + count}));
-    EXPECT_TRUE(job->sceneFileName.empty());
-  }
-}
-
-TEST_F(JobCommands, StartJobReportsFailuresBeforeItsClosingReply) {
-  openJob();
-  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
-  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
-
-  startAfresh();
-  host.calls.on("SetDefaultAction", support::writingToNull());
-  worker->handshake("token").send("StartJob,a.max,");
-  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in StartJob(): Access Violation\nProcess:  "))
-      .expect(kLoaded)
-      .close();
-  EXPECT_TRUE(run());
-  EXPECT_FALSE(job->jobRunning);
-}
-
-TEST_F(JobCommands, EndJobAlwaysSucceedsInTheEnd) {
+TEST_F(JobCommands, StartAndEndReportFailuresBeforeTheyCloseWithSuccess) {
   EXPECT_TRUE(runLine("EndJob,whatever",
                       {"ERROR: EndJob called when consistency check flag jobRunning was not set", "SUCCESS"}));
   EXPECT_THAT(log.lines(), Contains("Sending error"));
 
   startAfresh();
   openJob();
-  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
-  EXPECT_FALSE(job->jobRunning);
+  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
+  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
 
   startAfresh();
   openJob();
-  host.calls.on("ResetScene", support::writingToNull());
-  worker->handshake("token").send("EndJob");
-  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in EndJob(): Access Violation\nProcess:  "))
-      .expect("SUCCESS")
-      .close();
-  EXPECT_TRUE(run());
-  EXPECT_TRUE(job->jobRunning);
+  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
+  EXPECT_FALSE(job->jobRunning);
+}
+
+TEST_F(JobCommands, AFaultLeavesTheJobAsItWas) {
+  const struct {
+    std::string line, operation, command, closing;
+    bool open;
+  } cases[] = {{"StartJob,a.max,", "SetDefaultAction", "StartJob", kLoaded, false},
+               {"EndJob", "ResetScene", "EndJob", "SUCCESS", true}};
+  for (const auto& c : cases) {
+    startAfresh();
+    if (c.open) openJob();
+    host.calls.on(c.operation, support::writingToNull());
+    worker->handshake("token").send(c.line);
+    worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in " + c.command + "(): Access Violation\nProcess:  "));
+    worker->expect(c.closing).close();
+    EXPECT_TRUE(run());
+    EXPECT_EQ(job->jobRunning, c.open);
+  }
 }
 
 TEST_F(JobCommands, HostErrorsOfTheJobEndTheConversation) {
@@ -125,24 +88,6 @@ TEST_F(JobCommands, HostErrorsOfTheJobEndTheConversation) {
   host.calls.on("ResetScene", support::throwingMax(u"reset"));
   worker->handshake("token").send("EndJob").expect("ERROR: MAXException caught in 3ds max: reset");
   EXPECT_FALSE(run());
-}
-
-TEST_F(JobCommands, RenderTaskChecksItsFrameAndTheJob) {
-  const struct {
-    std::string line, reply;
-    std::int32_t frame;
-  } cases[] = {
-      {"RenderTask", "ERROR: RenderTask: Expected 1 parameter, got 0", 0},
-      {"RenderTask,1,2", "ERROR: RenderTask: Expected 1 parameter, got 2", 0},
-      {"RenderTask,abc", "ERROR: RenderTask: Parameter 1 , \"abc\", is not a valid frame number.", 0},
-      {"RenderTask, 12", "ERROR: RenderTask: Parameter 1 , \" 12\", is not a valid frame number.", 0},
-      {"RenderTask,12", "ERROR: RenderTask: Called without being in a job.", 12},
-  };
-  for (const auto& c : cases) {
-    startAfresh();
-    EXPECT_TRUE(runLine(c.line, {c.reply}));
-    EXPECT_EQ(job->currentFrame, c.frame);
-  }
 }
 
 TEST_F(JobCommands, RenderTaskRendersAndTellsTheResultLast) {

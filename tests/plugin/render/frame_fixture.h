@@ -44,14 +44,17 @@ class FrameFixture : public JobFixture {
     return element;
   }
 
-  FakeMultipassEffect& useMultipass(int passes) {
+  FakeMultipassEffect& giveEffect(FakeCamera& camera, int passes) {
     FakeMultipassEffect& effect = host.core.addEffect();
     effect.passes = passes;
-    FakeCamera& camera = host.core.addCamera();
     camera.effect = &effect;
     camera.effectEnabled = true;
-    job.renderCamera = &host.core.addNode(u"Cam", &camera);
     return effect;
+  }
+  FakeMultipassEffect& useMultipass(int passes) {
+    FakeCamera& camera = host.core.addCamera();
+    job.renderCamera = &host.core.addNode(u"Cam", &camera);
+    return giveEffect(camera, passes);
   }
 
   void useRegion(std::int32_t type, hostsdk::Rect rect) {

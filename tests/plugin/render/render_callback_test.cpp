@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/clock.h"
@@ -50,42 +51,36 @@ class RenderCallback : public testing::Test {
   platform::ClockReplacement replacement{clock};
 };
 
-TEST_F(RenderCallback, KnowsTheTitlesOfTheRenderingPhase) {
-  for (const char16_t* title : {u"Rendering Image...", u"Rendering images", u"x rendering image y", u"RENDERING",
+TEST_F(RenderCallback, SendsTitlesCleanedUnlessTheyNameTheRenderingPhase) {
+  const std::pair<const char16_t*, const char*> cases[] = {
+      {u"Preparing lights", "Preparing lights"},
+      {u"Line one\r\nLine two\r\n", "Line one Line two"},
+      {u"a\n\nb\rc\n\r\n\r", "a  bc"},
+      {u"\r\n", ""},
+      {nullptr, ""},
+      {u"L\u00fcster \u2603", "L\xc3\xbcster \xe2\x98\x83"},
+      {u"Compiling geometry 12%", "Compiling geometry 12%"},
+      {u"Rendered", "Rendered"},
+      {u"rendering ", "rendering "},
+      {u"rendering..", "rendering.."},
+      {u"50% rendering", "50% rendering"},
+      {u"quality reached", "quality reached"},
+  };
+  for (const auto& [title, sent] : cases) {
+    expectSent({std::string("FUNCTION: STDOUT: ") + sent},
+               [given = title](auto& callback) { callback.SetTitle(given); });
+  }
+  for (const char16_t* title : {u"Rendering Image...\r\n", u"Rendering images", u"x rendering image y", u"RENDERING",
                                 u"rendering...", u"Quality reached: 0.5", u"50%  Rendering tiles"}) {
-    EXPECT_TRUE(isRenderingTitle(title)) << utf8::utf16to8(std::u16string(title));
+    expectSent({}, [&](auto& callback) { callback.SetTitle(title); });
   }
-  for (const char16_t* title :
-       {u"", u"Rendered", u"rendering ", u"rendering..", u"50% rendering", u"quality reached", u"Preparing lights"}) {
-    EXPECT_FALSE(isRenderingTitle(title)) << utf8::utf16to8(std::u16string(title));
-  }
-}
-
-TEST_F(RenderCallback, SendsInformativeTitlesCleaned) {
-  struct Case {
-    const char16_t* title;
-    const char* sent;
-  };
-  const Case cases[] = {
-      {u"Preparing lights", "FUNCTION: STDOUT: Preparing lights"},
-      {u"Line one\r\nLine two\r\n", "FUNCTION: STDOUT: Line one Line two"},
-      {u"a\n\nb\rc\n\r\n\r", "FUNCTION: STDOUT: a  bc"},
-      {u"\r\n", "FUNCTION: STDOUT: "},
-      {nullptr, "FUNCTION: STDOUT: "},
-      {u"L\u00fcster \u2603", "FUNCTION: STDOUT: L\xc3\xbcster \xe2\x98\x83"},
-      {u"Compiling geometry 12%", "FUNCTION: STDOUT: Compiling geometry 12%"},
-  };
-  for (const Case& c : cases) {
-    expectSent({c.sent}, [&](CorvantisRenderCallback& callback) { callback.SetTitle(c.title); });
-  }
-  expectSent({}, [](CorvantisRenderCallback& callback) { callback.SetTitle(u"Rendering Image...\r\n"); });
 }
 
 TEST_F(RenderCallback, LeavesOutTheScenePreparationsOfRendererB) {
   expectSent(
       {"FUNCTION: STDOUT: Compiling geometry", "FUNCTION: SETTITLE Compiling geometry 12% - 10.0%",
        "FUNCTION: PROGRESS -1"},
-      [&](CorvantisRenderCallback& callback) {
+      [&](auto& callback) {
         callback.isRendererB = true;
         for (const char16_t* title : {u"Loading Bitmaps a.png", u"Updating object Box01", u"updating instances 3",
                                       u"Updating transformation matrices 4", u"Rendering image"}) {
@@ -97,114 +92,81 @@ TEST_F(RenderCallback, LeavesOutTheScenePreparationsOfRendererB) {
       });
 }
 
-TEST_F(RenderCallback, ReportsProgressUnderARenderingTitle) {
-  struct Case {
-    int done, total;
-    const char* title;
-    const char* progress;
+TEST_F(RenderCallback, ReportsTitleAndProgress) {
+  const struct {
+    const char16_t* title;
+    int done, total, pass, passes;  // no passes: 0
+    Messages sent;
+  } cases[] = {
+      {u"Rendering Image...", 45, 100, 0, 0, {"SETTITLE Rendering Image... - 45.0%", "PROGRESS 45"}},
+      {u"Rendering Image...", 150, 100, 0, 0, {"SETTITLE Rendering Image... - 100.0%", "PROGRESS 100"}},
+      {u"Rendering Image...", 1, 3, 0, 0, {"SETTITLE Rendering Image... - 33.3%", "PROGRESS 33.3333"}},
+      {u"Rendering Image...", 1, 1000000, 0, 0, {"SETTITLE Rendering Image... - 0.0%", "PROGRESS 0.0001"}},
+      // No percentage without progress or under another title.
+      {u"Rendering", 0, 100, 0, 0, {"PROGRESS -1"}},
+      {nullptr, -5, 100, 0, 0, {"STDOUT: ", "PROGRESS -1"}},
+      {nullptr, 10, 100, 0, 0, {"STDOUT: ", "SETTITLE  - 10.0%", "PROGRESS -1"}},
+      {u"Preparing", 10, 100, 0, 0, {"STDOUT: Preparing", "SETTITLE Preparing - 10.0%", "PROGRESS -1"}},
+      // Each pass is its share of the whole.
+      {u"Rendering", 50, 100, 2, 4, {"SETTITLE Pass 2 of 4 - Rendering - 50.0%", "PROGRESS 37.5"}},
+      {u"Rendering", 50, 100, 1, 4, {"SETTITLE Pass 1 of 4 - Rendering - 50.0%", "PROGRESS 12.5"}},
+      {u"Rendering", 100, 100, 3, 3, {"SETTITLE Pass 3 of 3 - Rendering - 100.0%", "PROGRESS 100"}},
+      {u"Rendering", 30, 100, 1, 1, {"SETTITLE Pass 1 of 1 - Rendering - 30.0%", "PROGRESS 30"}},
   };
-  const Case cases[] = {
-      {45, 100, "Rendering Image... - 45.0%", "45"},       {150, 100, "Rendering Image... - 100.0%", "100"},
-      {1, 3, "Rendering Image... - 33.3%", "33.3333"},     {1, 8, "Rendering Image... - 12.5%", "12.5"},
-      {1, 1000000, "Rendering Image... - 0.0%", "0.0001"},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     later();
-    expectSent({std::string("FUNCTION: SETTITLE ") + c.title, std::string("FUNCTION: PROGRESS ") + c.progress},
-               [&](CorvantisRenderCallback& callback) {
-                 callback.SetTitle(u"Rendering Image...");
-                 EXPECT_EQ(callback.Progress(c.done, c.total), 1);
-               });
+    Messages messages;
+    for (const std::string& text : c.sent) messages.push_back("FUNCTION: " + text);
+    expectSent(messages, [&](auto& callback) {
+      if (c.passes != 0) callback.setPass(c.pass, c.passes);
+      callback.SetTitle(c.title);
+      EXPECT_EQ(callback.Progress(c.done, c.total), 1);
+    });
   }
-}
-
-TEST_F(RenderCallback, ReportsNoPercentageWithoutProgressOrUnderOtherTitles) {
-  expectSent({"FUNCTION: PROGRESS -1"}, [&](CorvantisRenderCallback& callback) {
+  later();
+  const auto renderTenth = [](auto& callback) {
     callback.SetTitle(u"Rendering");
-    callback.Progress(0, 100);
-  });
-  later();
-  expectSent({"FUNCTION: PROGRESS -1"}, [&](CorvantisRenderCallback& callback) { callback.Progress(-5, 100); });
-  later();
-  expectSent(
-      {"FUNCTION: STDOUT: Preparing lights", "FUNCTION: SETTITLE Preparing lights - 10.0%", "FUNCTION: PROGRESS -1"},
-      [&](CorvantisRenderCallback& callback) {
-        callback.SetTitle(u"Preparing lights");
-        callback.Progress(10, 100);
-      });
-  later();
-  expectSent({"FUNCTION: SETTITLE  - 10.0%", "FUNCTION: PROGRESS -1"},
-             [&](CorvantisRenderCallback& callback) { callback.Progress(10, 100); });
-}
-
-TEST_F(RenderCallback, SpreadsTheProgressOverThePasses) {
-  struct Case {
-    int pass, passes, done;
-    const char* title;
-    const char* progress;
+    callback.Progress(10, 100);
   };
-  const Case cases[] = {{2, 4, 50, "Pass 2 of 4 - Rendering - 50.0%", "37.5"},
-                        {1, 4, 50, "Pass 1 of 4 - Rendering - 50.0%", "12.5"},
-                        {3, 3, 100, "Pass 3 of 3 - Rendering - 100.0%", "100"},
-                        {1, 1, 30, "Pass 1 of 1 - Rendering - 30.0%", "30"}};
-  for (const Case& c : cases) {
-    later();
-    expectSent({std::string("FUNCTION: SETTITLE ") + c.title, std::string("FUNCTION: PROGRESS ") + c.progress},
-               [&](CorvantisRenderCallback& callback) {
-                 callback.setPass(c.pass, c.passes);
-                 callback.SetTitle(u"Rendering");
-                 callback.Progress(c.done, 100);
-               });
-  }
-  later();
-  expectSent(
-      {"FUNCTION: SETTITLE Shadow: Rendering - 30.0%", "FUNCTION: PROGRESS 30"},
-      [&](CorvantisRenderCallback& callback) {
-        callback.SetTitle(u"Rendering");
-        callback.Progress(30, 100);
-      },
-      u"Shadow: ");
+  expectSent({"FUNCTION: SETTITLE Shadow: Rendering - 10.0%", "FUNCTION: PROGRESS 10"}, renderTenth, u"Shadow: ");
 }
 
 TEST_F(RenderCallback, ReportsAtMostOnceASecondOverAllObjects) {
-  const auto progress = [](CorvantisRenderCallback& callback) { EXPECT_EQ(callback.Progress(0, 100), 1); };
-  expectSent({"FUNCTION: PROGRESS -1"}, [&](CorvantisRenderCallback& callback) {
+  const auto progress = [](auto& callback) { EXPECT_EQ(callback.Progress(0, 100), 1); };
+  const Messages one = {"FUNCTION: PROGRESS -1"};
+  expectSent(one, [&](auto& callback) {
     progress(callback);
     later(999);
     progress(callback);
   });
   expectSent({}, progress);
   later(1);
-  expectSent({"FUNCTION: PROGRESS -1"}, progress);
+  expectSent(one, progress);
   later(500);
   expectSent({}, progress);
-}
 
-TEST_F(RenderCallback, ThrottlesAcrossTheWrapOfTheTickCounter) {
-  const auto progress = [](CorvantisRenderCallback& callback) { callback.Progress(0, 100); };
   clock.setTickCount(0xF0000000U);  // far from the last report of whatever ran before, and from 0 where nothing did
-  expectSent({"FUNCTION: PROGRESS -1"}, progress);
+  expectSent(one, progress);
   clock.setTickCount(0xFFFFFF00U);
-  expectSent({"FUNCTION: PROGRESS -1"}, progress);
-  clock.setTickCount(0x00000100U);  // 512 ms later
+  expectSent(one, progress);
+  later(512);  // across the wrap of the counter
   expectSent({}, progress);
-  clock.setTickCount(0x000002E8U);  // 1000 ms later
-  expectSent({"FUNCTION: PROGRESS -1"}, progress);
+  later(488);
+  expectSent(one, progress);
 }
 
 TEST_F(RenderCallback, DropsWhatCannotBeReportedWithoutUsingItsTurn) {
   const std::uint64_t pumped = platform::pumpCount();
-  expectSent({"FUNCTION: STDOUT: Initializing Ray Server"}, [&](CorvantisRenderCallback& callback) {
+  expectSent({"FUNCTION: STDOUT: Initializing Ray Server"}, [&](auto& callback) {
     EXPECT_EQ(callback.Progress(10, 0), 1);
     callback.SetTitle(u"Initializing Ray Server");
     EXPECT_EQ(callback.Progress(10, 100), 1);
   });
   EXPECT_EQ(platform::pumpCount(), pumped);
-  expectSent({"FUNCTION: STDOUT: initializing ray server", "FUNCTION: PROGRESS -1"},
-             [&](CorvantisRenderCallback& callback) {
-               callback.SetTitle(u"initializing ray server");
-               callback.Progress(0, 100);
-             });
+  expectSent({"FUNCTION: STDOUT: initializing ray server", "FUNCTION: PROGRESS -1"}, [&](auto& callback) {
+    callback.SetTitle(u"initializing ray server");
+    callback.Progress(0, 100);
+  });
   EXPECT_EQ(platform::pumpCount(), pumped + 1);
 }
 
@@ -222,19 +184,11 @@ TEST_F(RenderCallback, LogsAndSwallowsALostConnection) {
 }
 
 TEST_F(RenderCallback, SwallowsATitleThatIsNoText) {
-  expectSent({"FUNCTION: PROGRESS -1"}, [&](CorvantisRenderCallback& callback) {
+  expectSent({"FUNCTION: PROGRESS -1"}, [&](auto& callback) {
     callback.SetTitle(u"broken \xd800");
     callback.Progress(0, 100);
     later();
     EXPECT_THROW(callback.Progress(10, 100), utf8::invalid_utf16);
-  });
-}
-
-TEST_F(RenderCallback, IgnoresTheHostsOtherNotifications) {
-  expectSent({}, [](CorvantisRenderCallback& callback) {
-    callback.SetCurrentField(1);
-    callback.SetSceneStatistics(1, 2, 3, 4, 5);
-    callback.SetStep(1, 2);
   });
 }
 

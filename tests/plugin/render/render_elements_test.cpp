@@ -3,57 +3,42 @@
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::narrow;
-using support::onCall;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
+using namespace support;
+using namespace testing;
 
-class RenderElements : public support::FrameFixture {
+class RenderElements : public FrameFixture {
  protected:
   std::vector<std::string> toldOfSaving() const { return toldFrom("Checking render elements"); }
 };
 
-TEST_F(RenderElements, CountsOnlyEnabledOnes) {
+TEST_F(RenderElements, AreTheEnabledOnesWithAnOutputRecord) {
   addElement(u"A", at("a.exr"));
   addElement(u"B", at("b.exr")).enabled = false;
   addElement(u"C", at("c.exr"));
-  job.settings.useRenderElementFilenames = true;
-  job.settings.renderElementFilenames = {at("first.exr"), at("second.exr")};
+  addElement(u"D", at("d.exr")).hasOutput = false;
   ASSERT_EQ(render(7), "");
+  EXPECT_EQ(job.renderElementCount, 2);
   EXPECT_THAT(told(), Contains("Rendering 2 render elements"));
-  EXPECT_THAT(toldOfSaving(), ElementsAre("Checking render elements", R"(Writing to output file: OUT\first0007.exr)",
-                                          R"(Writing to output file: OUT\second0007.exr)"));
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\first0007.exr)", R"(OUT\second0007.exr)"));
-}
-
-TEST_F(RenderElements, TakeTheirPreparationFromTheScene) {
-  support::FakeElement& element = addElement(u"A", at("a.exr"));
-  host.core.renderer.requirements = {3};
-  host.core.renderPixelAspect = 1.5F;
-  ASSERT_EQ(render(7), "");
-  EXPECT_EQ(element.output.info.Type(), hostsdk::kBitmapRealPixFloat32);
-  EXPECT_EQ(element.output.info.Width(), 8);
-  EXPECT_EQ(element.output.info.Height(), 6);
-  EXPECT_EQ(element.output.info.Aspect(), 1.5F);
-  EXPECT_NE(element.output.info.Flags() & hostsdk::kMapHasAlpha, 0U);
-}
-
-TEST_F(RenderElements, AreNotThereWhileTheManagerIsSwitchedOff) {
-  addElement(u"A", at("a.exr"));
+  EXPECT_THAT(toldOfSaving(), ElementsAre("Checking render elements", R"(Writing to output file: OUT\a0007.exr)",
+                                          R"(Writing to output file: OUT\c0007.exr)"));
+  ASSERT_EQ(render(8), "");  // from the scene's names again
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\a0008.exr)", R"(OUT\c0008.exr)"));
+  job.rendererOpen = false;
   host.core.elements.active = false;
-  ASSERT_EQ(render(7), "");
+  ASSERT_EQ(render(9), "");
   EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
 }
 
-TEST_F(RenderElements, WithoutAnOutputRecordAreLeftOut) {
-  addElement(u"A", at("a.exr")).hasOutput = false;
-  addElement(u"B", at("b.exr"));
+TEST_F(RenderElements, TakeTheirPreparationFromTheScene) {
+  const hostsdk::BitmapInfo& info = addElement(u"A", at("a.exr")).output.info;
+  host.core.renderer.requirements = {3};
+  host.core.renderPixelAspect = 1.5F;
   ASSERT_EQ(render(7), "");
-  EXPECT_EQ(job.renderElementCount, 1);
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\b0007.exr)"));
+  EXPECT_EQ(info.Type(), hostsdk::kBitmapRealPixFloat32);
+  EXPECT_EQ(info.Width(), 8);
+  EXPECT_EQ(info.Height(), 6);
+  EXPECT_EQ(info.Aspect(), 1.5F);
+  EXPECT_NE(info.Flags() & hostsdk::kMapHasAlpha, 0U);
 }
 
 TEST_F(RenderElements, IgnoredByNameAreRenderedButNotSaved) {
@@ -79,30 +64,19 @@ TEST_F(RenderElements, AreRenderedButNotSavedWhenAllAreIgnored) {
   EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)"));
 }
 
-TEST_F(RenderElements, WithoutAFileNameAreWarnedOf) {
-  addElement(u"A", at("a.exr"));
-  addElement(u"B", u"");
-  ASSERT_EQ(render(7), "");
-  EXPECT_THAT(toldOfSaving(), ElementsAre("Checking render elements", R"(Writing to output file: OUT\a0007.exr)",
-                                          "Not saving render element 1 because its output path is empty"));
-  EXPECT_THAT(calls({"Create"}), Contains("Create  8x6 type 7"));
-}
-
 TEST_F(RenderElements, FallBackOnTheScenesNamesWhereTheListIsTooShort) {
-  addElement(u"A", at("a.exr"));
+  addElement(u"A", at("a.exr")).enabled = false;
   addElement(u"B", at("b.exr"));
-  job.settings.useRenderElementFilenames = true;
+  addElement(u"C", at("c.exr"));
   job.settings.renderElementFilenames = {at("given.exr")};
+  ASSERT_EQ(render(7), "");  // the list is not to be used
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\b0007.exr)", R"(OUT\c0007.exr)"));
+  job.settings.useRenderElementFilenames = true;
+  ASSERT_EQ(render(7), "");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\given0007.exr)", R"(OUT\c0007.exr)"));
   job.settings.removePadding = true;
   ASSERT_EQ(render(7), "");
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty.exr)", R"(OUT\given.exr)", R"(OUT\b.exr)"));
-}
-
-TEST_F(RenderElements, KeepTheSceneNamesFromFrameToFrame) {
-  addElement(u"A", at("a.exr"));
-  ASSERT_EQ(render(7), "");
-  ASSERT_EQ(render(8), "");
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\a0008.exr)"));
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty.exr)", R"(OUT\given.exr)", R"(OUT\c.exr)"));
 }
 
 TEST_F(RenderElements, WithoutABitmapArePassedOver) {
@@ -115,7 +89,7 @@ TEST_F(RenderElements, WithoutABitmapArePassedOver) {
   EXPECT_THAT(told(), Not(Contains(R"(Checking if OUT\a0007.exr is black)")));
 }
 
-TEST_F(RenderElements, FailTheFrameWhenTheyAreBlack) {
+TEST_F(RenderElements, FailTheFrameWhenTheyAreBlackAndAreToBeChecked) {
   failOnBlack(true);
   addElement(u"A", at("a.exr"));
   addElement(u"B", at("b.exr")).color = [](int, int) { return hostsdk::ColorFloat{0, 0, 0, 1}; };
@@ -123,20 +97,19 @@ TEST_F(RenderElements, FailTheFrameWhenTheyAreBlack) {
   EXPECT_EQ(render(7), "100% of the output image is black, which equals or exceeds the minimum of 50%");
   EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\a0007.exr)"));
   EXPECT_THAT(told(), Contains(R"(Checking if OUT\b0007.exr is black)"));
+  failOnBlack(false);
+  EXPECT_EQ(render(7), "");
 }
 
-TEST_F(RenderElements, AreCheckedForBlackBeforeTheirMissingNameIsNoticed) {
+TEST_F(RenderElements, WithoutAFileNameAreCheckedForBlackAndWarnedOf) {
   failOnBlack(true);
-  addElement(u"A", u"");
+  addElement(u"A", at("a.exr"));
+  addElement(u"B", u"");
   ASSERT_EQ(render(7), "");
   EXPECT_THAT(toldOfSaving(), Contains("Checking if  is black"));
-  EXPECT_EQ(told().back(), "Not saving render element 0 because its output path is empty");
-}
-
-TEST_F(RenderElements, AreNotCheckedForBlackUnlessAsked) {
-  failOnBlack(false);
-  addElement(u"A", at("a.exr")).color = [](int, int) { return hostsdk::ColorFloat{0, 0, 0, 1}; };
-  EXPECT_EQ(render(7), "");
+  EXPECT_EQ(told().back(), "Not saving render element 1 because its output path is empty");
+  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0007.exr)", R"(OUT\a0007.exr)"));
+  EXPECT_THAT(calls({"Create"}), Contains("Create  8x6 type 7"));
 }
 
 }  // namespace

@@ -1,37 +1,90 @@
 #include "plugin/render/render_frame.h"
 
-#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "frame_fixture.h"
 #include "plugin/job/end_job.h"
+#include "support/scripted_peer.h"
 
 namespace corvantis {
 namespace {
 
-using support::answering;
-using support::narrow;
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
+using namespace support;
+using namespace testing;
 
-class RenderFrameTest : public support::FrameFixture {};
+class RenderFrameTest : public FrameFixture {
+ protected:
+  // Renders the frame and expects the worker to be sent exactly these messages from the first of them on: lines of
+  // the log, unless they begin with "FUNCTION".
+  void expectSent(std::int32_t frame, const std::vector<std::string>& messages) {
+    const auto sent = [](const std::string& message) {
+      return (message.starts_with("FUNCTION") ? "" : "FUNCTION: STDOUT: MaxCorvantis: ") + message;
+    };
+    ScriptedPeer peer;
+    peer.skipUntil(sent(messages.front()));
+    for (auto message = messages.begin() + 1; message != messages.end(); ++message) peer.expect(sent(*message));
+    peer.expectEnd();
+    peer.start();
+    connection.connect("127.0.0.1", peer.port(), 1);
+    EXPECT_EQ(render(frame), "");
+    connection.close(true);
+    peer.finish();
+  }
+  std::string file(const std::string& name) const { return narrow(at(name)); }
+};
 
 TEST_F(RenderFrameTest, TellsEveryStageOfAJobsFirstFrame) {
-  job.settings.frameNumberBase = 100;
-  ASSERT_EQ(render(7), "");
-  EXPECT_THAT(told(),
-              ElementsAre("Render frame 7", R"(Rendering frame "OUT\beauty0107.exr")", "Rendering 0 render elements",
-                          "Setting up render parameters", "Rendering viewport", "Opening renderer",
-                          "Multipass disabled", "Rendering 1 passes", "Checking output paths",
-                          "Checking default actions", "Calling renderer", "CallCurRendererRenderFrame returned code 1",
-                          "Render done", R"(Writing to output file: OUT\beauty0107.exr)", "Checking render elements"));
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0107.exr)"));
-  EXPECT_TRUE(out.exists("beauty0107.exr"));
+  addElement(u"Z", u"");
+  host.core.progress = {{u"Rendering Image...", 50, 100}};
+  clock.setTickCount(3'000'000'000U);
+  expectSent(7, {"Render frame 7",
+                 "Rendering frame \"" + file("beauty0007.exr") + "\"",
+                 "Rendering 1 render elements",
+                 "Setting up render parameters",
+                 "Rendering viewport",
+                 "Opening renderer",
+                 "Multipass disabled",
+                 "Rendering 1 passes",
+                 "Checking output paths",
+                 "Checking default actions",
+                 "  TYPE_MISSING_EXTERNAL_FILES = FAIL",
+                 "  TYPE_MISSING_UVWS = FAIL",
+                 "  TYPE_MISSING_DLL_FILES = FAIL",
+                 "  TYPE_MISSING_XREF_FILES = FAIL",
+                 "Calling renderer",
+                 "FUNCTION: SETTITLE Rendering Image... - 50.0%",
+                 "FUNCTION: PROGRESS 50",
+                 "CallCurRendererRenderFrame returned code 1",
+                 "Render done",
+                 "Writing to output file: " + file("beauty0007.exr"),
+                 "Checking render elements",
+                 "FUNCTION: WARN: MaxCorvantis: Not saving render element 0 because its output path is empty"});
+}
+
+TEST_F(RenderFrameTest, SpreadsTheProgressOverThePasses) {
+  useMultipass(2);
+  job.isRendererB = true;
+  job.settings.saveRenderElements = false;
+  ASSERT_EQ(render(7), "");  // opens the renderer without a connection
+  host.core.progress = {{u"Compiling geometry 12%"}, {u"Reading lights"}, {u"Rendering", 50, 100}};
+  clock.setTickCount(2'000'000'000U);
+  host.calls.on("CurRendererRenderFrame", [this]() -> std::optional<int> {
+    clock.advance(2000);
+    return std::nullopt;
+  });
+  std::vector<std::string> messages = {"Rendering multipass effect:"};
+  for (const auto& [of, overall] : {std::pair("1 of 2", "25"), std::pair("2 of 2", "75")}) {
+    messages.insert(messages.end(),
+                    {std::string("  Rendering pass ") + of, "FUNCTION: STDOUT: Reading lights",
+                     std::string("FUNCTION: SETTITLE Pass ") + of + " - Rendering - 50.0%",
+                     std::string("FUNCTION: PROGRESS ") + overall, "  CallCurRendererRenderFrame returned code 1",
+                     "  Accumulating bitmap", "  Success"});
+  }
+  messages.push_back("Render done");
+  messages.push_back("Writing to output file: " + file("beauty0008.exr"));
+  expectSent(8, messages);
 }
 
 TEST_F(RenderFrameTest, AsksTheHostInTheRightOrder) {
@@ -64,58 +117,47 @@ TEST_F(RenderFrameTest, KeepsTheRendererOpenAndWhatItReadForTheNextFrame) {
 TEST_F(RenderFrameTest, OpensTheRendererForEveryFrameInRestartMode) {
   job.settings.restartRendererMode = true;
   addElement(u"Z", at("z.exr"));
-  ASSERT_EQ(render(1), "");
+  host.calls.on("CloseCurRenderer", onCall(1, writingToNull()));
+  EXPECT_THAT(render(1), StartsWith("Trapped SEH Exception in CloseCurRenderer(): Access Violation\nProcess:  "));
+  EXPECT_TRUE(job.rendererOpen);
+  EXPECT_EQ(render(1), "");
+  EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
   EXPECT_FALSE(job.rendererOpen);
-  EXPECT_THAT(job.elementOutputs, IsEmpty());
   host.core.renderOutput.SetName(at("changed.exr"));
-  ASSERT_EQ(render(2), "");
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\changed0002.exr)", R"(OUT\z0002.exr)"));
+  host.calls.clear();
+  for (const std::int32_t frame : {2, 3}) {
+    ASSERT_EQ(render(frame), "");
+    EXPECT_THAT(job.elementOutputs, IsEmpty());
+    EXPECT_THAT(savedFiles(), SizeIs(2));
+    EXPECT_EQ(savedFiles().front(), R"(OUT\changed000)" + std::to_string(frame) + ".exr");
+  }
   EXPECT_THAT(calls({"OpenCurRenderer", "CloseCurRenderer"}),
               ElementsAre(StartsWith("Open"), "CloseCurRenderer", StartsWith("Open"), "CloseCurRenderer"));
 }
 
-TEST_F(RenderFrameTest, SurvivesARendererThatCannotBeClosedForARestart) {
-  job.settings.restartRendererMode = true;
-  addElement(u"Z", at("z.exr"));
-  host.calls.on("CloseCurRenderer", support::onCall(1, support::writingToNull()));
-  EXPECT_THAT(render(1), StartsWith("Trapped SEH Exception in CloseCurRenderer(): Access Violation\nProcess:  "));
-  EXPECT_TRUE(job.rendererOpen);
-  EXPECT_EQ(render(2), "");
-  EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
+TEST_F(RenderFrameTest, NamesItsOutputAsTheSceneOrTheJobSays) {
+  const struct {
+    bool removePadding;
+    std::int32_t base;
+    std::string given;  // outputImageFilename below the folder; empty: the scene's own
+    std::string file;
+  } cases[] = {{false, 0, "", "beauty0007.exr"},
+               {false, 100, "", "beauty0107.exr"},
+               {false, -10, "", "beauty-003.exr"},
+               {true, 100, "", "beauty.exr"},
+               {false, 0, "other.v2.png", "other.v20007.png"},
+               {true, 0, "other.png", "other.png"},
+               {false, 2147483647, "", "beauty-2147483642.exr"}};
+  for (const auto& c : cases) {
+    job.settings.removePadding = c.removePadding;
+    job.settings.frameNumberBase = c.base;
+    job.settings.useOutputImageFilename = !c.given.empty();
+    job.settings.outputImageFilename = at(c.given);
+    ASSERT_EQ(render(7), "");
+    EXPECT_THAT(savedFiles(), ElementsAre("OUT\\" + c.file));
+    EXPECT_TRUE(out.exists(c.file));
+  }
 }
-
-struct NameCase {
-  const char* what;
-  bool removePadding;
-  std::int32_t base;
-  std::u16string given;  // outputImageFilename below the folder; empty: the scene's own
-  std::string file;
-};
-
-class OutputName : public support::FrameFixture, public testing::WithParamInterface<NameCase> {};
-
-TEST_P(OutputName, IsMadeFromTheSceneOrTheJob) {
-  job.settings.removePadding = GetParam().removePadding;
-  job.settings.frameNumberBase = GetParam().base;
-  job.settings.useOutputImageFilename = !GetParam().given.empty();
-  job.settings.outputImageFilename = at(narrow(GetParam().given));
-  ASSERT_EQ(render(7), "");
-  EXPECT_THAT(savedFiles(), ElementsAre("OUT\\" + GetParam().file));
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, OutputName,
-                         testing::Values(NameCase{"numbered", false, 0, u"", "beauty0007.exr"},
-                                         NameCase{"base", false, 100, u"", "beauty0107.exr"},
-                                         NameCase{"negative", false, -10, u"", "beauty-003.exr"},
-                                         NameCase{"unpadded", true, 100, u"", "beauty.exr"},
-                                         NameCase{"given", false, 0, u"other.v2.png", "other.v20007.png"},
-                                         NameCase{"given unpadded", true, 0, u"other.png", "other.png"},
-                                         NameCase{"wrapping", false, 2147483647, u"", "beauty-2147483642.exr"}),
-                         [](const auto& testCase) {
-                           std::string name = testCase.param.what;
-                           std::replace(name.begin(), name.end(), ' ', '_');
-                           return name;
-                         });
 
 TEST_F(RenderFrameTest, NamesAFileByItsNumberWhenTheSceneNamesNone) {
   host.core.renderOutput.SetName(u"");
@@ -200,61 +242,48 @@ TEST_F(RenderFrameTest, ShowsTheFrameBufferUnlessRendererAHasItsOwn) {
   EXPECT_THAT(calls({"Display", "UnDisplay"}), IsEmpty());
 }
 
-TEST_F(RenderFrameTest, LeavesTheFrameBufferShownWhenTheRendererFails) {
-  job.settings.showFrameBuffer = true;
-  host.calls.on("CurRendererRenderFrame", answering(0));
-  EXPECT_EQ(render(7), "Failed to render the frame.");
-  EXPECT_THAT(calls({"Display", "UnDisplay", "DeleteThis"}), ElementsAre(StartsWith("Display #1"), "DeleteThis #1"));
-}
-
-struct Failure {
-  const char* name;
-  const char* operation;
-  support::Hook hook;
-  std::string text;
-  std::string lastLine;
-};
-
-class FailingFrame : public support::FrameFixture, public testing::WithParamInterface<Failure> {};
-
-TEST_P(FailingFrame, ReleasesEverythingAndNamesTheReason) {
+TEST_F(RenderFrameTest, ReleasesEverythingAndNamesTheReasonOfAFailure) {
+  const std::string fault = "Trapped SEH Exception in CurRendererRenderFrame(): ";
+  const std::string called = "CallCurRendererRenderFrame returned code 0";
+  const struct {
+    const char* operation;
+    Hook hook;
+    std::string text, lastLine;
+  } cases[] = {
+      {"Create", answering(0), "Failed to allocate Bitmap: TheManager->Create() return NULL",
+       R"(Rendering frame "OUT\beauty0007.exr")"},
+      {"Create", onCall(3, throwingStandard("out of memory")), "out of memory",
+       R"(Rendering frame "OUT\beauty0007.exr")"},
+      {"OpenCurRenderer", answering(0), "Failed to open the max renderer.", "Opening renderer"},
+      {"CurRendererRenderFrame", answering(0), "Failed to render the frame.", called},
+      {"CurRendererRenderFrame", writingToNull(), fault + "Access Violation\nProcess:  ", called},
+      {"CurRendererRenderFrame", dividingByZero(), fault + "Integer Divide By Zero\nProcess:  ", called},
+      {"CurRendererRenderFrame", throwingStandard("renderer says no"), "renderer says no", "Calling renderer"},
+      {"OpenOutput", answering(11), "Error in bm->OpenOutput(): error code 11",
+       R"(Writing to output file: OUT\beauty0007.exr)"},
+      {"Write", answering(12), "Error in bm->Write(): error code 12", R"(Writing to output file: OUT\beauty0007.exr)"},
+      {"OpenOutput", onCall(2, answering(13)), "Error in bm->OpenOutput(): error code 13",
+       R"(Writing to output file: OUT\z0007.exr)"},
+  };
   job.settings.showFrameBuffer = true;
   addElement(u"Z", at("z.exr"));
   addElement(u"N", at("n.exr"));
-  host.calls.on(GetParam().operation, GetParam().hook);
-  EXPECT_THAT(render(7), StartsWith(GetParam().text));
-  EXPECT_EQ(told().back(), GetParam().lastLine);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.operation + (" " + c.text));
+    job.rendererOpen = false;
+    host.calls.clear();
+    host.calls.on(c.operation, c.hook);
+    EXPECT_THAT(render(7), StartsWith(c.text));
+    EXPECT_EQ(told().back(), c.lastLine);
+    EXPECT_EQ(job.savedOutputFiles.size(), c.lastLine.ends_with("z0007.exr") ? 1U : 0U);
+    EXPECT_THAT(host.bitmaps.live(), IsEmpty());
+    EXPECT_EQ(host.calls.count("UnDisplay"), c.lastLine.starts_with("Writing") ? 1 : 0);
 
-  host.calls.off(GetParam().operation);
-  EXPECT_EQ(render(8), "");
-  EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\z0008.exr)", R"(OUT\n0008.exr)"));
+    host.calls.off(c.operation);
+    EXPECT_EQ(render(8), "");
+    EXPECT_THAT(savedFiles(), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\z0008.exr)", R"(OUT\n0008.exr)"));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, FailingFrame,
-    testing::Values(
-        Failure{"NoBitmap", "Create", answering(0), "Failed to allocate Bitmap: TheManager->Create() return NULL",
-                R"(Rendering frame "OUT\beauty0007.exr")"},
-        Failure{"ElementNaming", "Create", support::onCall(3, support::throwingStandard("out of memory")),
-                "out of memory", R"(Rendering frame "OUT\beauty0007.exr")"},
-        Failure{"Open", "OpenCurRenderer", answering(0), "Failed to open the max renderer.", "Opening renderer"},
-        Failure{"Render", "CurRendererRenderFrame", answering(0), "Failed to render the frame.",
-                "CallCurRendererRenderFrame returned code 0"},
-        Failure{"RenderFaults", "CurRendererRenderFrame", support::writingToNull(),
-                "Trapped SEH Exception in CurRendererRenderFrame(): Access Violation\nProcess:  ",
-                "CallCurRendererRenderFrame returned code 0"},
-        Failure{"RenderDividesByZero", "CurRendererRenderFrame", support::dividingByZero(),
-                "Trapped SEH Exception in CurRendererRenderFrame(): Integer Divide By Zero\nProcess:  ",
-                "CallCurRendererRenderFrame returned code 0"},
-        Failure{"RenderThrows", "CurRendererRenderFrame", support::throwingStandard("renderer says no"),
-                "renderer says no", "Calling renderer"},
-        Failure{"OpenOutput", "OpenOutput", answering(11), "Error in bm->OpenOutput(): error code 11",
-                R"(Writing to output file: OUT\beauty0007.exr)"},
-        Failure{"Write", "Write", answering(12), "Error in bm->Write(): error code 12",
-                R"(Writing to output file: OUT\beauty0007.exr)"},
-        Failure{"ElementWrite", "OpenOutput", support::onCall(2, answering(13)),
-                "Error in bm->OpenOutput(): error code 13", R"(Writing to output file: OUT\z0007.exr)"}),
-    [](const auto& testCase) { return testCase.param.name; });
 
 TEST_F(RenderFrameTest, FailsABlackFrameBeforeAnythingIsSaved) {
   failOnBlack(false);
@@ -262,60 +291,42 @@ TEST_F(RenderFrameTest, FailsABlackFrameBeforeAnythingIsSaved) {
     return x < 4 ? hostsdk::ColorFloat{0, 0, 0, 1} : hostsdk::ColorFloat{1, 1, 1, 1};
   };
   EXPECT_EQ(render(7), "50% of the output image is black, which equals or exceeds the minimum of 50%");
-  EXPECT_THAT(toldFrom("Render done"),
-              ElementsAre("Render done", R"(Checking if OUT\beauty0007.exr is black)", "  blackPixelPercentage = 50%",
-                          "  blackPixelThreshold = 0.1", "24 of 48 pixels are considered black (50%)",
-                          "50% of the output image is considered black, failing render..."));
+  EXPECT_THAT(told(), Contains(R"(Checking if OUT\beauty0007.exr is black)"));
   EXPECT_THAT(job.savedOutputFiles, IsEmpty());
   EXPECT_EQ(host.calls.count("OpenOutput"), 0);
 }
 
-TEST_F(RenderFrameTest, CannotBeTrickedIntoRenderingWithoutAJob) {
-  job.jobRunning = false;
-  job.hostCore = {};
-  EXPECT_EQ(render(7), "RenderFrame called when consistency check flag jobRunning was not set");
-  EXPECT_EQ(told().back(), "Rendering 1 passes");
-  EXPECT_TRUE(job.rendererOpen);
-}
-
-TEST_F(RenderFrameTest, DoesNotTouchTheCameraOfAJobThatEnded) {
+TEST_F(RenderFrameTest, RendersNothingAndTouchesNoCameraOutsideAJob) {
+  const std::string noJob = "RenderFrame called when consistency check flag jobRunning was not set";
   addElement(u"Z", at("z.exr"));
   useMultipass(2);
   ASSERT_EQ(render(7), "");
   EndJob(job);
   host.core.elements.elements.front()->enabled = false;
   host.calls.clear();
-  EXPECT_EQ(render(8), "RenderFrame called when consistency check flag jobRunning was not set");
+  EXPECT_EQ(render(8), noJob);
   EXPECT_THAT(calls({"EvalWorldState", "TotalPasses", "OpenCurRenderer"}),
               ElementsAre("OpenCurRenderer none none 0 8x6"));
   EXPECT_THAT(told(), Contains("Rendering 0 render elements"));
+  job.rendererOpen = false;
+  job.hostCore = {};
+  EXPECT_EQ(render(9), noJob);
+  EXPECT_EQ(told().back(), "Rendering 1 passes");
+  EXPECT_TRUE(job.rendererOpen);
 }
 
 TEST_F(RenderFrameTest, TrapsAFaultOutsideTheRenderer) {
-  host.calls.on("SetTime", support::writingToNull());
-  std::string sehText = "before";
-  EXPECT_EQ(trappedRenderFrame(job, 7, connection, sehText), 1);
-  EXPECT_EQ(sehText, "Trapped SEH Exception in RenderFrame(): Access Violation");
+  host.calls.on("SetTime", writingToNull());
+  const Trapped<std::uint16_t> faulted = trappedRenderFrame(job, 7, connection);
+  EXPECT_EQ(faulted.value, 1);
+  EXPECT_EQ(faulted.sehText, "Trapped SEH Exception in RenderFrame(): Access Violation");
   EXPECT_THAT(job.crashDescription, StartsWith("Process:  "));
 
   host.calls.off("SetTime");
-  EXPECT_EQ(trappedRenderFrame(job, 8, connection, sehText), 0);
-  EXPECT_EQ(sehText, "");
+  const Trapped<std::uint16_t> rendered = trappedRenderFrame(job, 8, connection);
+  EXPECT_EQ(rendered.value, 0);
+  EXPECT_FALSE(rendered.faulted());
   EXPECT_TRUE(out.exists("beauty0008.exr"));
-}
-
-TEST_F(RenderFrameTest, PassesThrownErrorsThroughTheTrap) {
-  host.calls.on("OpenCurRenderer", answering(0));
-  std::string sehText;
-  EXPECT_EQ(errorOf([&] { trappedRenderFrame(job, 7, connection, sehText); }), "Failed to open the max renderer.");
-  EXPECT_EQ(sehText, "");
-}
-
-TEST_F(RenderFrameTest, EmptiesTheListOfSavedFilesAtTheStartOfEveryFrame) {
-  ASSERT_EQ(render(7), "");
-  host.calls.on("CurRendererRenderFrame", answering(0));
-  EXPECT_EQ(render(8), "Failed to render the frame.");
-  EXPECT_THAT(job.savedOutputFiles, IsEmpty());
 }
 
 }  // namespace

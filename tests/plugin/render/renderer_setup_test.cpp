@@ -1,64 +1,47 @@
 #include "plugin/render/renderer_setup.h"
 
-#include "support/job_fixture.h"
+#include "frame_fixture.h"
 
 namespace corvantis {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
+using namespace support;
+using namespace testing;
 
 constexpr hostsdk::Class_ID kHolderCamera{0x399ee5f2, 0x584a71a8};
 constexpr hostsdk::Class_ID kSinglePassEffect{0x6cc9546e, 0x0b1961b9};
 
-class RendererSetup : public support::JobFixture {
+class RendererSetup : public FrameFixture {
  protected:
-  RendererSetup() {
-    bindCore();
-    job.renderViewport = &host.core.viewports[0];
-  }
   // Makes the render camera, with an enabled effect of 8 passes.
-  support::FakeCamera& useCamera() {
-    support::FakeCamera& camera = host.core.addCamera();
+  FakeCamera& useCamera() {
+    FakeCamera& camera = host.core.addCamera();
     cameraNode = &host.core.addNode(u"Cam", &camera);
     job.renderCamera = cameraNode;
     giveEffect(camera, 8);
     return camera;
   }
-  support::FakeMultipassEffect& giveEffect(support::FakeCamera& camera, int passes) {
-    support::FakeMultipassEffect& effect = host.core.addEffect();
-    effect.passes = passes;
-    camera.effect = &effect;
-    camera.effectEnabled = true;
-    return effect;
-  }
-  support::FakeNode& addChild(const std::u16string& name, hostsdk::Object* object) {
-    support::FakeNode& child = host.core.addNode(name, object);
+  FakeNode& addChild(const std::u16string& name, hostsdk::Object* object) {
+    FakeNode& child = host.core.addNode(name, object);
     cameraNode->children.push_back(&child);
     return child;
   }
   std::string setup(std::int32_t frame = 5) {
     return errorOf([&] { setupRenderer(job, frame, connection); });
   }
-  // What the worker is told behind the camera's own lines.
-  std::vector<std::string> lastTwoLines() const {
+  // Sets up again; the pair of lines that the worker is told of the passes.
+  std::string passes() {
+    job.rendererOpen = false;
+    EXPECT_EQ(setup(), "");
     const std::vector<std::string> all = log.unsentLines();
-    return all.size() < 2 ? all : std::vector<std::string>(all.end() - 2, all.end());
+    return all.at(all.size() - 2) + ", " + all.back();
   }
 
-  support::FakeNode* cameraNode = nullptr;
+  const std::string off = "Multipass disabled, Rendering 1 passes";
+  FakeNode* cameraNode = nullptr;
 };
 
-TEST_F(RendererSetup, DoesNothingWhileTheRendererIsOpen) {
-  job.rendererOpen = true;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(host.calls.lines(), ElementsAre());
-  EXPECT_THAT(log.lines(), ElementsAre());
-}
-
-TEST_F(RendererSetup, OpensForTheActiveViewport) {
+TEST_F(RendererSetup, OpensForTheViewport) {
   EXPECT_EQ(setup(), "");
   EXPECT_THAT(log.unsentLines(), ElementsAre("Setting up render parameters", "Rendering viewport", "Opening renderer",
                                              "Multipass disabled", "Rendering 1 passes"));
@@ -66,17 +49,17 @@ TEST_F(RendererSetup, OpensForTheActiveViewport) {
   address << static_cast<const void*>(job.renderViewport);
   EXPECT_THAT(log.lines(), Contains("Rendering view at address " + address.str()));
   EXPECT_THAT(host.calls.lines(), ElementsAre("SetupRendParams none 0", "OpenCurRenderer none view 0 8x6"));
-  EXPECT_TRUE(job.rendererOpen);
   EXPECT_EQ(job.renderParams.width, 8);
-}
+  host.calls.clear();
+  EXPECT_EQ(setup(), "");  // is open already
+  EXPECT_THAT(host.calls.lines(), ElementsAre());
 
-TEST_F(RendererSetup, NamesALockedViewport) {
+  job.rendererOpen = false;
   job.renderViewLocked = true;
   job.lockedViewportIndex = 2;
   job.settings.regionType = 4;
   EXPECT_EQ(setup(), "");
-  EXPECT_THAT(log.unsentLines(), ElementsAre("Setting up render parameters", "Rendering LOCKED viewport at index 2",
-                                             "Opening renderer", "Multipass disabled", "Rendering 1 passes"));
+  EXPECT_THAT(log.unsentLines(), Contains("Rendering LOCKED viewport at index 2"));
   EXPECT_THAT(host.calls.lines(), ElementsAre("SetupRendParams none 4", "OpenCurRenderer none view 4 8x6"));
 }
 
@@ -92,53 +75,36 @@ TEST_F(RendererSetup, OpensForACameraWithoutAnEffect) {
 }
 
 TEST_F(RendererSetup, SplitsTheFrameIntoTheEffectsPasses) {
-  support::FakeCamera& camera = useCamera();
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass enabled", "Rendering 8 passes"));
+  FakeCamera& camera = useCamera();
+  EXPECT_EQ(passes(), "Multipass enabled, Rendering 8 passes");
   EXPECT_THAT(host.calls.lines(), Contains("TotalPasses 800"));
   EXPECT_EQ(job.multipassEffect, camera.effect);
-}
-
-TEST_F(RendererSetup, LeavesTheEffectOutWhenTheJobDisablesMultipass) {
-  useCamera();
   job.settings.disableMultipass = true;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  EXPECT_EQ(passes(), off);
   EXPECT_EQ(job.multipassEffect, nullptr);
-}
-
-TEST_F(RendererSetup, LeavesOutAnEffectThatTheCameraDoesNotHandOut) {
-  useCamera().effect = nullptr;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  job.settings.disableMultipass = false;
+  camera.effect = nullptr;  // which the camera does not hand out
+  EXPECT_EQ(passes(), off);
 }
 
 TEST_F(RendererSetup, LeavesTheEffectThatRendersItsPassesItselfToRendererC) {
-  struct Case {
-    bool JobState::*renderer;
-    const char* line;
-  };
-  for (const Case& c :
-       {Case{&JobState::isRendererB, "Multipass disabled"}, {&JobState::isRendererC, "Multipass enabled"}}) {
-    giveEffect(useCamera(), 8).classId = kSinglePassEffect;
-    job.rendererOpen = false;
-    job.*c.renderer = true;
-    EXPECT_EQ(setup(), "");
-    EXPECT_THAT(lastTwoLines(), ElementsAre(c.line, "Rendering 1 passes"));
-    EXPECT_EQ(host.calls.count("TotalPasses"), 0);
-  }
+  giveEffect(useCamera(), 8).classId = kSinglePassEffect;
+  job.isRendererB = true;
+  EXPECT_EQ(passes(), off);
+  job.isRendererC = true;
+  EXPECT_EQ(passes(), "Multipass enabled, Rendering 1 passes");
+  EXPECT_EQ(host.calls.count("TotalPasses"), 0);
 }
 
 TEST_F(RendererSetup, TakesTheEffectOfRendererAFromTheLastHolderChild) {
   useCamera().classId = kHolderCamera;
   job.isRendererA = true;
-  giveEffect(host.core.addCamera(), 3);
-  support::FakeCamera& first = host.core.addCamera();
-  support::FakeCamera& last = host.core.addCamera();
+  FakeCamera& first = host.core.addCamera();
+  FakeCamera& last = host.core.addCamera();
   giveEffect(first, 3);
   giveEffect(last, 4);
   addChild(u"Multipass", &first);
-  support::FakeNode& holder = addChild(u"Multipass", &last);
+  FakeNode& holder = addChild(u"Multipass", &last);
   addChild(u"multipass", &first);  // another name
   EXPECT_EQ(setup(), "");
   EXPECT_THAT(log.unsentLines(),
@@ -149,17 +115,12 @@ TEST_F(RendererSetup, TakesTheEffectOfRendererAFromTheLastHolderChild) {
   EXPECT_EQ(job.multipassHolderCamera, &last);
   EXPECT_EQ(job.multipassEffect, last.effect);
 
-  job.rendererOpen = false;
   last.effectEnabled = false;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  EXPECT_EQ(passes(), off);
   EXPECT_EQ(job.multipassEffect, nullptr);
-
-  job.rendererOpen = false;
   last.effectEnabled = true;
   job.settings.disableMultipass = true;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  EXPECT_EQ(passes(), off);
 }
 
 TEST_F(RendererSetup, TurnsMultipassOffForRendererAWithoutAHolder) {
@@ -169,41 +130,31 @@ TEST_F(RendererSetup, TurnsMultipassOffForRendererAWithoutAHolder) {
   job.passCount = 9;
   job.multipassEffect = &host.core.addEffect();
   job.multipassHolderNode = cameraNode;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  EXPECT_EQ(passes(), off);
   EXPECT_EQ(job.multipassEffect, nullptr);
   EXPECT_EQ(job.multipassHolderNode, nullptr);
   EXPECT_EQ(host.calls.count("MultiPassEffectEnabled"), 0);
-}
 
-TEST_F(RendererSetup, TakesAHolderThatIsNoCameraAsNone) {
-  support::FakeMesh mesh;
-  for (hostsdk::Object* object : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
-    useCamera().classId = kHolderCamera;
-    job.isRendererA = true;
-    job.rendererOpen = false;
-    addChild(u"Multipass", object);
-    EXPECT_EQ(setup(), "");
-    EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass disabled", "Rendering 1 passes"));
+  FakeMesh mesh;
+  for (hostsdk::Object* noCamera : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
+    addChild(u"Multipass", noCamera);
+    EXPECT_EQ(passes(), off);
     EXPECT_EQ(job.multipassHolderNode, nullptr);
   }
 }
 
 TEST_F(RendererSetup, AsksTheCameraItselfWhenOnlyOneOfTheHolderConditionsHolds) {
   useCamera().classId = kHolderCamera;  // but another renderer
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass enabled", "Rendering 8 passes"));
-  job.rendererOpen = false;
+  EXPECT_EQ(passes(), "Multipass enabled, Rendering 8 passes");
   useCamera();  // an ordinary camera
   job.isRendererA = true;
-  EXPECT_EQ(setup(), "");
-  EXPECT_THAT(lastTwoLines(), ElementsAre("Multipass enabled", "Rendering 8 passes"));
+  EXPECT_EQ(passes(), "Multipass enabled, Rendering 8 passes");
 }
 
 TEST_F(RendererSetup, FailsForANodeThatIsNoCamera) {
-  support::FakeMesh mesh;
-  for (hostsdk::Object* object : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
-    job.renderCamera = &host.core.addNode(u"Group01", object);
+  FakeMesh mesh;
+  for (hostsdk::Object* noCamera : {static_cast<hostsdk::Object*>(&mesh), static_cast<hostsdk::Object*>(nullptr)}) {
+    job.renderCamera = &host.core.addNode(u"Group01", noCamera);
     EXPECT_EQ(setup(),
               "Camera node Group01 is not a camera node - check that there are not other nodes or groups in the scene "
               "that have the same name as the camera");
@@ -213,24 +164,19 @@ TEST_F(RendererSetup, FailsForANodeThatIsNoCamera) {
 }
 
 TEST_F(RendererSetup, FailsWhenTheHostCannotOpenAndTriesAgainAtTheNextFrame) {
-  host.calls.on("OpenCurRenderer", support::onCall(1, support::answering(0)));
-  EXPECT_EQ(setup(), "Failed to open the max renderer.");
-  EXPECT_FALSE(job.rendererOpen);
-  EXPECT_EQ(log.unsentLines().back(), "Opening renderer");
-  EXPECT_EQ(setup(), "");
-  EXPECT_TRUE(job.rendererOpen);
-}
-
-TEST_F(RendererSetup, FailsWithTheDescriptionOfAFault) {
   for (const bool withCamera : {false, true}) {
     if (withCamera) useCamera();
-    job.rendererOpen = false;
-    host.calls.on("OpenCurRenderer", support::onCall(1, support::writingToNull()));
+    host.calls.on("OpenCurRenderer", onCall(1, answering(0)));
+    EXPECT_EQ(setup(), "Failed to open the max renderer.");
+    EXPECT_EQ(log.unsentLines().back(), "Opening renderer");
+    host.calls.on("OpenCurRenderer", onCall(1, writingToNull()));
     const std::string error = setup();
     EXPECT_EQ(error, "Trapped SEH Exception in OpenCurRenderer(): Access Violation\n" + job.crashDescription);
     EXPECT_THAT(job.crashDescription, HasSubstr("Exception Code:  C0000005"));
     EXPECT_FALSE(job.rendererOpen);
     EXPECT_EQ(setup(), "");
+    EXPECT_TRUE(job.rendererOpen);
+    job.rendererOpen = false;
   }
 }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
-#include <type_traits>
+#include <utility>
 
 #include "support/packet_socket.h"
 #include "support/platform_kind.h"
@@ -14,52 +14,25 @@ namespace {
 
 using namespace std::string_literals;
 using support::ScriptedPeer;
-using testing::ElementsAre;
-
-static_assert(!std::is_copy_constructible_v<simple_socket> && !std::is_copy_assignable_v<simple_socket>);
-static_assert(std::is_base_of_v<std::runtime_error, simple_socket_error>);
-static_assert(std::is_base_of_v<simple_socket_error, simple_socket_timeout_error>);
-static_assert(std::is_base_of_v<simple_socket_error, simple_socket_could_not_connect_error>);
-static_assert(std::is_base_of_v<simple_socket_error, simple_socket_disconnect_error>);
 
 TEST(PacketSocketConstruction, FailsWithoutTheSocketLibrary) {
   expectError<simple_socket_error>([] { OpenedSocket{false}; }, "WSAStartup: failed");
 }
 
 TEST_F(PacketSocket, PutsTheLengthBeforeThePayload) {
-  peer.expectRaw("\0\0\0\0"s)
-      .expectRaw(
-          "\0\0\0\x03"s
-          "a\0\xFF"s)
-      .expectRaw("\0\0\x01\x2C"s + std::string(300, 'x'));
+  const std::string payloads[] = {"", "a\0\xFF"s, std::string(300, 'x')};
+  const std::string lengths[] = {"\0\0\0\0"s, "\0\0\0\x03"s, "\0\0\x01\x2C"s};
+  for (std::size_t i = 0; i < 3; ++i) peer.expectRaw(lengths[i] + payloads[i]).sendRaw(lengths[i] + payloads[i]);
   connect();
-  socket.send("");
-  socket.send("a\0\xFF"s);
-  socket.send(std::string(300, 'x'));
-  peer.finish();
-}
-
-TEST_F(PacketSocket, ReceivesPayloadsUnchanged) {
-  peer.sendRaw("\0\0\0\0"s)
-      .sendRaw(
-          "\0\0\0\x03"s
-          "a\0\xFF"s)
-      .sendRaw("\0\0\x01\x2C"s + std::string(300, 'x'));
-  connect();
-  EXPECT_EQ(socket.receive(120000), "");
-  EXPECT_EQ(socket.receive(120000), "a\0\xFF"s);
-  EXPECT_EQ(socket.receive(-1), std::string(300, 'x'));
+  for (const std::string& payload : payloads) {
+    socket.send(payload);
+    EXPECT_EQ(socket.receive(payload.empty() ? -1 : 120000), payload);
+  }
   peer.finish();
 }
 
 TEST_F(PacketSocket, PutsAMessageTogetherFromPieces) {
-  peer.sendRaw("\0\0"s)
-      .letTimePass(clock, 10)
-      .sendRaw(
-          "\0\x05"s
-          "ab")
-      .letTimePass(clock, 10)
-      .sendRaw("cde");
+  peer.sendRaw("\0\0"s).letTimePass(clock, 10).sendRaw("\0\x05"s + "ab").letTimePass(clock, 10).sendRaw("cde");
   connect();
   EXPECT_EQ(socket.receive(1000), "abcde");
   peer.finish();
@@ -82,28 +55,19 @@ TEST_F(PacketSocket, LimitsWhatItReceivesAndStaysOpen) {
   peer.send(largest).stallAfterHeader(100001).stallAfterHeader(0xFFFFFFFF).sendRaw("next").expect("still here");
   connect();
   EXPECT_EQ(socket.receive(120000), largest);
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 100001)");
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 4294967295)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 100001)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 4294967295)");
   // What follows is unread: it is taken for a header.
-  expectError<simple_socket_error>([&] { socket.receive(120000); },
-                                   "simple_socket::receive: Invalid packet size (given 1852143732)");
+  expectReceiveError<simple_socket_error>(120000, "simple_socket::receive: Invalid packet size (given 1852143732)");
   EXPECT_TRUE(socket.isConnected());
   socket.send("still here");
   peer.finish();
 }
 
-TEST_F(PacketSocket, RefusesToWorkUnconnected) {
+TEST_F(PacketSocket, WorksConnectedOnlyAndConnectsOnce) {
   expectError<simple_socket_error>([&] { socket.send("x"); }, "simple_socket: send called while not connected.");
-  expectError<simple_socket_error>([&] { socket.receive(0); }, "simple_socket: receive while not connected.");
+  expectReceiveError<simple_socket_error>(0, "simple_socket: receive while not connected.");
   EXPECT_FALSE(socket.isConnected());
-  peer.start();
-  socket.connect("127.0.0.1", peer.port(), 1);
-  peer.finish();
-}
-
-TEST_F(PacketSocket, ConnectsOnce) {
   peer.expect("undisturbed");
   connect();
   expectError<simple_socket_error>([&] { socket.connect("127.0.0.1", 1, 1); },
@@ -138,10 +102,7 @@ TEST_F(PacketSocket, TakesDottedAddressesOnly) {
     expectError<simple_socket_error>([&] { socket.connect("127.0.0.1", 1, protocol); }, "socket: Invalid protocol id");
   }
   EXPECT_FALSE(socket.isConnected());
-}
-
-TEST_F(PacketSocket, CarriesDatagramsToo) {
-  socket.connect("127.0.0.1", 9, 2);  // where no stream would find anybody
+  socket.connect("127.0.0.1", 9, 2);  // datagrams, where no stream would find anybody
   EXPECT_TRUE(socket.isConnected());
 }
 
@@ -161,8 +122,7 @@ TEST_F(PacketSocket, ReportsARefusedConnection) {
 TEST_F(PacketSocket, PollsWithATimeOutOfZero) {
   peer.expect("ask").send("now");
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(0); },
-                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  expectReceiveError<simple_socket_timeout_error>(0, "simple_socket: Timed out waiting for header packet to arrive.");
   EXPECT_TRUE(socket.isConnected());
   socket.send("ask");
   peer.awaitSteps();
@@ -174,28 +134,18 @@ TEST_F(PacketSocket, PollsWithATimeOutOfZero) {
 TEST_F(PacketSocket, TimesOutWaitingForAHeader) {
   peer.letTimePass(clock, 119999).letTimePass(clock, 1).expect("go on").send("late");
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(120000); },
-                                           "simple_socket: Timed out waiting for header packet to arrive.");
+  expectReceiveError<simple_socket_timeout_error>(120000,
+                                                  "simple_socket: Timed out waiting for header packet to arrive.");
   EXPECT_TRUE(socket.isConnected());
   socket.send("go on");
   EXPECT_EQ(socket.receive(120000), "late");
   peer.finish();
 }
 
-TEST_F(PacketSocket, TimesOutWithinAMessage) {
-  const char* const text = "simple_socket: Timed out waiting for data.";
-  peer.sendRaw("\0\0"s).letTimePass(clock, 1000);
-  peer.sendRaw("\0\x02"s).then([] {});
+TEST_F(PacketSocket, TimesOutWithinAHeader) {
+  peer.sendRaw("\0\0"s).letTimePass(clock, 1000).sendRaw("\0\x02"s).then([] {});
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, text);
-  EXPECT_TRUE(socket.isConnected());
-  peer.finish();
-}
-
-TEST_F(PacketSocket, TimesOutAfterTheHeader) {
-  peer.stallAfterHeader(10).letTimePass(clock, 1000);
-  connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   EXPECT_TRUE(socket.isConnected());
   peer.finish();
 }
@@ -204,9 +154,10 @@ TEST_F(PacketSocket, HasOneEndTimeForAWholeMessage) {
   // 600 of 1000 ms are gone when the payload starts; another 600 are too many, though each wait alone is short.
   peer.letTimePass(clock, 600).stallAfterHeader(4).sendRaw("ab").letTimePass(clock, 399).letTimePass(clock, 1);
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   EXPECT_EQ(clock.waits().front(), 1000U);
   EXPECT_LE(clock.waits().back(), 400U);
+  EXPECT_TRUE(socket.isConnected());
   peer.finish();
 }
 
@@ -217,7 +168,7 @@ TEST_F(PacketSocket, PollsOnceTheEndTimeHasPassed) {
     clock.advance(5000);
   });
   connect();
-  expectError<simple_socket_timeout_error>([&] { socket.receive(1000); }, "simple_socket: Timed out waiting for data.");
+  expectReceiveError<simple_socket_timeout_error>(1000, "simple_socket: Timed out waiting for data.");
   peer.finish();
 }
 
@@ -245,24 +196,16 @@ TEST_F(PacketSocket, NeverTimesOutWithANegativeTimeOut) {
 }
 
 TEST_F(PacketSocket, NoticesAPeerThatCloses) {
-  const struct {
-    const char* sent;
-    std::size_t size;
-    const char* text;
-  } rows[] = {
-      {"", 0, "simple_socket::receive: socket was disconnected while reading header."},
-      {"\0\0\0", 3, "simple_socket::receive: socket was disconnected while reading header."},
-      {"\0\0\0\x05", 4, "simple_socket::receive: socket was disconnected while reading data."},
-      {"\0\0\0\x05"
-       "abcd",
-       8, "simple_socket::receive: socket was disconnected while reading data."},
-  };
-  for (const auto& row : rows) {
+  const std::string inHeader = "simple_socket::receive: socket was disconnected while reading header.";
+  const std::string inData = "simple_socket::receive: socket was disconnected while reading data.";
+  const std::pair<std::string, std::string> rows[] = {
+      {"", inHeader}, {"\0\0\0"s, inHeader}, {"\0\0\0\x05"s, inData}, {"\0\0\0\x05"s + "abcd", inData}};
+  for (const auto& [sent, text] : rows) {
     ScriptedPeer leaving;
-    leaving.sendRaw(std::string(row.sent, row.size)).close().expectEnd();
+    leaving.sendRaw(sent).close().expectEnd();
     leaving.start();
     socket.connect("127.0.0.1", leaving.port(), 1);
-    expectError<simple_socket_disconnect_error>([&] { socket.receive(120000); }, row.text);
+    expectReceiveError<simple_socket_disconnect_error>(120000, text);
     EXPECT_FALSE(socket.isConnected());
     leaving.finish();
   }
@@ -275,9 +218,8 @@ TEST_F(PacketSocket, ReportsAReadErrorAndCloses) {
   if (support::runsUnderWine()) {  // where a connection that is broken off looks like one that has ended
     EXPECT_THROW(socket.receive(120000), simple_socket_disconnect_error);
   } else {
-    expectError<simple_socket_error>(
-        [&] { socket.receive(120000); },
-        "recv: socket error trying to receive data: WSAError code " + std::to_string(support::kConnectionReset));
+    expectReceiveError<simple_socket_error>(120000, "recv: socket error trying to receive data: WSAError code " +
+                                                        std::to_string(support::kConnectionReset));
   }
   EXPECT_FALSE(socket.isConnected());
   peer.finish();
@@ -299,9 +241,8 @@ TEST_F(PacketSocket, ReportsAWaitThatFailsAndStaysOpen) {
   connect();
   peer.awaitSteps();  // the peer is to take no descriptor any more
   platform::closeSocket(socket.handle());
-  expectError<simple_socket_error>(
-      [&] { socket.receive(120000); },
-      "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
+  expectReceiveError<simple_socket_error>(
+      120000, "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
   EXPECT_TRUE(socket.isConnected());
   peer.finish();
 }

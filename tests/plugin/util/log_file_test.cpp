@@ -41,31 +41,25 @@ TEST_F(Log, LiesInTheFirstFolderThatTheEnvironmentNames) {
       {folder.path("a") + "\\", std::nullopt, std::nullopt, "a/corvantis.log"},
       {std::nullopt, folder.path("b"), folder.path("c"), "b/corvantis.log"},
       {std::nullopt, std::nullopt, folder.path("c"), "c/corvantis.log"},
+      {"", folder.path("b"), folder.path("c"), "here/corvantis.log"},  // the current folder
   };
+  const std::filesystem::path before = std::filesystem::current_path();
   for (const auto& row : rows) {
-    for (const char* name : {"a", "b", "c"}) {
+    for (const char* name : {"a", "b", "c", "here"}) {
       std::filesystem::remove_all(folder.path(name));
       std::filesystem::create_directory(folder.path(name));
     }
     setVariables(row.tmp, row.path, row.userProfile);
     LogFile opened;
+    std::filesystem::current_path(folder.path("here"));
     openLogFile(opened);
+    std::filesystem::current_path(before);
     EXPECT_TRUE(opened.isOpen());
-    for (const char* name : {"a", "b", "c"}) {
+    for (const char* name : {"a", "b", "c", "here"}) {
       const std::string file = name + "/corvantis.log"s;
       EXPECT_EQ(folder.exists(file), file == row.file) << file << " for " << row.file;
     }
   }
-}
-
-TEST_F(Log, LiesInTheCurrentFolderWhenTheVariableIsEmpty) {
-  setVariables("", folder.path(), folder.path());
-  const std::filesystem::path before = std::filesystem::current_path();
-  std::filesystem::create_directory(folder.path("here"));
-  std::filesystem::current_path(folder.path("here"));
-  openLogFile(log);
-  std::filesystem::current_path(before);
-  EXPECT_TRUE(folder.exists("here/corvantis.log"));
 }
 
 TEST_F(Log, IsSilentlyAbsentWithoutAFolder) {
@@ -103,42 +97,27 @@ TEST_F(Log, HasEveryCompleteLineOnDisk) {
   EXPECT_EQ(folder.readText("log"), "first\nsecond\n");
 }
 
-TEST_F(Log, KeepsAnUnfinishedLastLine) {
-  {
-    LogFile brief;
-    brief.open(folder.wide("log"));
-    brief << "cut";
-  }
-  EXPECT_EQ(folder.readText("log"), "cut");
-}
-
-TEST_F(Log, StartsEmptyInEveryRun) {
+TEST_F(Log, StartsEmptyInEveryRunAndKeepsAnUnfinishedLastLine) {
   for (const char* run : {"first run", "second"}) {
     LogFile oneRun;
     oneRun.open(folder.wide("log"));
-    oneRun << run << LogFile::endl;
+    oneRun << run;
   }
-  EXPECT_EQ(folder.readText("log"), "second\n");
+  EXPECT_EQ(folder.readText("log"), "second");
 }
 
-TEST_F(Log, FailsWhenOpenedTwice) {
-  log.open(folder.wide("log"));
-  log << "kept" << LogFile::endl;
-  log.open(folder.wide("other"));
-  EXPECT_TRUE(log.isOpen() && log.failed());
-  log << "lost" << LogFile::endl;
-  EXPECT_EQ(folder.readText("log"), "kept\n");
-  EXPECT_FALSE(folder.exists("other"));
-}
-
-TEST_F(Log, RecoversFromAFailedOpen) {
+TEST_F(Log, FailsWhenOpenedTwiceOrWhereThereIsNoFolder) {
   log.open(folder.wide("missing/log"));
   EXPECT_TRUE(!log.isOpen() && log.failed());
   log << "lost" << LogFile::endl;
   log.open(folder.wide("log"));
   log << "kept" << LogFile::endl;
   EXPECT_FALSE(log.failed());
+  log.open(folder.wide("other"));
+  EXPECT_TRUE(log.isOpen() && log.failed());
+  log << "lost" << LogFile::endl;
   EXPECT_EQ(folder.readText("log"), "kept\n");
+  EXPECT_FALSE(folder.exists("other"));
 }
 
 TEST_F(Log, StaysFailedAfterAFailedWrite) {

@@ -10,17 +10,19 @@ namespace {
 TEST(Paths, AreNormalised) {
   const struct {
     std::u16string path, normal;
-  } rows[] = {{u"", u""},
-              {u"/", u"\\"},
-              {u"C:/renders//shot/", u"C:\\renders\\shot\\"},
-              {u"//server/share//a", u"\\\\server\\share\\a"},
-              {u"\\\\", u"\\\\"},
-              {u"a\\\\b", u"a\\b"},
-              {u"a\\\\\\b", u"a\\\\b"},
-              {u"a\\\\\\\\b", u"a\\\\b"},
-              {u"a\\\\\\\\\\b", u"a\\\\\\b"},
-              {u"\\\\\\server", u"\\\\\\server"},
-              {u"\\\\\\\\server", u"\\\\\\server"}};
+  } rows[] = {
+      {u"", u""},
+      {u"/", u"\\"},
+      {u"C:/renders//shot/", u"C:\\renders\\shot\\"},
+      {u"//server/share//a", u"\\\\server\\share\\a"},
+      {u"\\\\", u"\\\\"},
+      {u"a\\\\b", u"a\\b"},
+      {u"a\\\\\\b", u"a\\\\b"},
+      {u"a\\\\\\\\b", u"a\\\\b"},
+      {u"a\\\\\\\\\\b", u"a\\\\\\b"},
+      {u"\\\\\\server", u"\\\\\\server"},
+      {u"\\\\\\\\server", u"\\\\\\server"},
+  };
   for (const auto& row : rows) EXPECT_EQ(normalize_path(row.path), row.normal);
 }
 
@@ -98,6 +100,41 @@ TEST(Paths, GetTheFrameNumberBeforeTheExtension) {
               {u"C:\\out\\beauty.exr", 123456, u"C:\\out\\beauty123456.exr"},
               {u"C:\\beauty.exr", 7, u"C:\\beauty0007.exr"}};
   for (const auto& row : rows) EXPECT_EQ(make_numbered_name(row.name, row.number), row.result);
+}
+
+TEST(Paths, OfScenesAreTakenApartAsTheyStand) {
+  const struct {
+    std::u16string path, fileName, folder;
+  } cases[] = {
+      {u"C:\\scenes\\a.max", u"a.max", u"C:\\scenes"},
+      {u"C:\\a.max", u"a.max", u"C:\\"},
+      {u"C:\\\\a.max", u"a.max", u"C:\\"},
+      {u"C:a.max", u"a.max", u"C:"},
+      {u"C:", u"C:", u""},
+      {u"C:\\", u"\\", u"C:"},
+      {u"1:\\", u".", u"1:"},
+      {u"C:\\scenes\\", u".", u"C:\\scenes"},
+      {u"C:\\scenes\\\\", u".", u"C:\\scenes"},
+      {u"C:\\one\\\\two\\a.max", u"a.max", u"C:\\one\\\\two"},
+      {u"\\\\server\\share\\a.max", u"a.max", u"\\\\server\\share"},
+      {u"\\\\server\\a.max", u"a.max", u"\\\\server\\"},
+      {u"\\\\server", u"\\\\server", u""},
+      {u"\\\\server\\", u"\\", u"\\\\server"},
+      {u"\\\\?\\C:\\a.max", u"a.max", u"\\\\?\\C:\\"},
+      {u"\\renders\\a.max", u"a.max", u"\\renders"},
+      {u"\\a.max", u"a.max", u"\\"},
+      {u"\\", u"\\", u""},
+      {u"\\\\", u"\\\\", u""},
+      {u"scenes\\a.max", u"a.max", u"scenes"},
+      {u"a.max", u"a.max", u""},
+      {u"..", u"..", u""},
+      {u"", u"", u""},
+  };
+  for (const auto& c : cases) {
+    const ScenePath split = splitScenePath(c.path);
+    EXPECT_EQ(split.fileName, c.fileName) << testing::PrintToString(c.path);
+    EXPECT_EQ(split.folder, c.folder) << testing::PrintToString(c.path);
+  }
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ class InterfaceObject final : public HostObject {
     if (!property || property->setter == hostsdk::kNoFunction) return false;
     hostsdk::FPParams parameters;
     parameters.params.push_back(argument(value, property->type));
-    invoke(property->name, property->setter, hostsdk::kTypeVoid, &parameters);
+    invoke(property->name, property->setter, hostsdk::kFpTypeVoid, &parameters);
     return true;
   }
 
@@ -69,11 +69,11 @@ class InterfaceObject final : public HostObject {
   hostsdk::FPValue argument(const HostValue& given, int type) {
     const Root value(runtime_.heap(), fromHost(runtime_, given));
     switch (type) {
-      case hostsdk::kTypeFloat:
+      case hostsdk::kFpTypeFloat:
         return hostsdk::FPValue::ofFloat(toFloat(runtime_, value.value));
-      case hostsdk::kTypeInt:
+      case hostsdk::kFpTypeInt:
         return hostsdk::FPValue::ofInt(toInteger(runtime_, value.value));
-      case hostsdk::kTypeBool:
+      case hostsdk::kFpTypeBool:
         return hostsdk::FPValue::ofBool(toBoolean(runtime_, value.value));
       default:
         return hostsdk::FPValue::ofValue(runtime_.port().publish(value.value));
@@ -86,13 +86,13 @@ class InterfaceObject final : public HostObject {
     if (interface_.Invoke(id, runtime_.host().time(), result, parameters ? parameters : &none) != hostsdk::kDispatchOk)
       throwRuntimeError(u"Interface function is not implemented: " + name);
     switch (type) {
-      case hostsdk::kTypeFloat:
+      case hostsdk::kFpTypeFloat:
         return result.f;
-      case hostsdk::kTypeInt:
+      case hostsdk::kFpTypeInt:
         return result.i;
-      case hostsdk::kTypeBool:
+      case hostsdk::kFpTypeBool:
         return result.i != 0;
-      case hostsdk::kTypeVoid:
+      case hostsdk::kFpTypeVoid:
         return HostOk{};
       default:
         return result.v ? HostValue(result.v) : HostValue(std::monostate{});

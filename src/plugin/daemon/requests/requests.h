@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "plugin/transport/simple_socket.h"
+#include "protocol/words.h"
 
 namespace corvantis {
 
@@ -17,6 +19,8 @@ void pump_messages();
 // Writes the text to the log, then sends "FUNCTION: STDOUT: MaxCorvantis: " (or "FUNCTION: WARN: MaxCorvantis: ") +
 // text. A connection failure is only logged: "  failed to send this message to Tessaryn because: " + its text.
 void sendStdoutLine(win32::simple_socket& connection, const std::u16string& text);
+// The text is one of the protocol's beginnings, by which the worker knows what became of a file, and what follows it.
+void sendStdoutLine(win32::simple_socket& connection, std::string_view beginning, const std::u16string& rest);
 void sendWarnLine(win32::simple_socket& connection, const std::u16string& text);
 
 // Send "FUNCTION: STDOUT: " or "FUNCTION: WARN: " + text. A connection failure is dropped silently.
@@ -27,6 +31,11 @@ void relayWarnLine(win32::simple_socket& connection, const std::u16string& text)
 // failure is dropped silently; sendProgress returns true in every case.
 void sendTitle(win32::simple_socket& connection, const std::u16string& title);
 bool sendProgress(win32::simple_socket& connection, float percent);
+
+// The same two for the render callback, which drains the queue itself and reports what cannot be sent: they only send,
+// and throw the socket's errors.
+void postTitle(win32::simple_socket& connection, const std::u16string& title);
+void postProgress(win32::simple_socket& connection, float percent);
 
 // Questions. Each drains the message queue, sends its request and waits up to two minutes for an answer, which is
 // positive when it starts with "SUCCESS: "; the rest of it, which may be empty, is the value. Failures:

@@ -1,4 +1,4 @@
-// One published function: how the host calls it and how it describes itself.
+// One published function: how its types travel, how the host calls it and how it describes itself.
 #pragma once
 
 #include <array>
@@ -10,12 +10,78 @@
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "hostsdk/function_publishing.h"
-#include "plugin/interface/fpwrapper/descriptor_buffer.h"
-#include "plugin/interface/fpwrapper/type_codes.h"
 
 namespace corvantis::max3d::fpwrapper {
+
+// The types of published members: their host type code, and the way from and to the host's FPValue. A member with a
+// type that is not listed here cannot be published: it does not compile.
+
+// The text of a script value by its own conversion; empty when it has none.
+std::u16string textOf(const hostsdk::FPValue& value);
+
+template <class Type>
+struct ParameterType;
+
+template <>
+struct ParameterType<float> {
+  static constexpr int code = hostsdk::kFpTypeFloat;
+  static float from(const hostsdk::FPValue& value) { return value.f; }
+};
+
+template <>
+struct ParameterType<std::int32_t> {
+  static constexpr int code = hostsdk::kFpTypeInt;
+  static std::int32_t from(const hostsdk::FPValue& value) { return value.i; }
+};
+
+template <>
+struct ParameterType<const std::u16string&> {
+  static constexpr int code = hostsdk::kFpTypeValue;
+  static std::u16string from(const hostsdk::FPValue& value) { return textOf(value); }
+};
+
+template <class Type>
+struct ResultType;
+
+template <>
+struct ResultType<void> {
+  static constexpr int code = hostsdk::kFpTypeVoid;
+};
+
+template <>
+struct ResultType<std::int32_t> {
+  static constexpr int code = hostsdk::kFpTypeInt;
+  static hostsdk::FPValue load(std::int32_t result) { return hostsdk::FPValue::ofInt(result); }
+};
+
+template <>
+struct ResultType<hostsdk::Value*> {
+  static constexpr int code = hostsdk::kFpTypeValue;
+  static hostsdk::FPValue load(hostsdk::Value* result) { return hostsdk::FPValue::ofValue(result); }
+};
+
+template <>
+struct ResultType<bool> {
+  static constexpr int code = hostsdk::kFpTypeBool;
+  static hostsdk::FPValue load(bool result) { return hostsdk::FPValue::ofBool(result); }
+};
+
+// The buffer in which a descriptor is written for the host: a run of 8-byte slots.
+class DescriptorBuffer {
+ public:
+  // Zero-extended into the low 32 bits of the next slot.
+  void addInteger(std::uint32_t value) { slots_.push_back(value); }
+  // The address of zero-terminated text, which must live until the host has read the buffer.
+  void addText(const char16_t* text) { slots_.push_back(reinterpret_cast<std::uintptr_t>(text)); }
+
+  const std::uint64_t* slots() const { return slots_.data(); }
+
+ private:
+  std::vector<std::uint64_t> slots_;
+};
 
 class FPDispatcher {
  public:

@@ -18,9 +18,12 @@
 
 #include "hostsdk/function_publishing.h"
 #include "plugin/interface/fpwrapper/dispatcher.h"
-#include "plugin/interface/fpwrapper/interface_id.h"
 
 namespace corvantis::max3d::fpwrapper {
+
+// Refuses the host's default id: reports it to the host's log with a dialog (where a host is bound) and throws
+// std::runtime_error with the same text, which names the interface.
+void refuseDefaultId(hostsdk::Interface_ID id, const std::u16string& interfaceName);
 
 template <class Class, std::uint32_t Flags>
 class FFCreateDescriptor;

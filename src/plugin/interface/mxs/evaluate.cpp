@@ -1,14 +1,27 @@
 #include "plugin/interface/mxs/evaluate.h"
 
+#include <cstdint>
 #include <stdexcept>
 
-#include "hostsdk/script_runtime.h"
-#include "plugin/interface/mxs/frame.h"
-#include "plugin/interface/mxs/listener.h"
+#include "hostsdk/exceptions.h"
 #include "plugin/util/text.h"
 
 namespace corvantis::mxs {
 namespace {
+
+hostsdk::ScriptRuntime* boundRuntime() {
+  try {
+    return &hostsdk::scriptRuntime();
+  } catch (const hostsdk::MAXException&) {
+    return nullptr;
+  }
+}
+
+// Where the calling thread's scripts print at present.
+hostsdk::CharStream& currentOutput(hostsdk::ScriptRuntime& runtime) {
+  hostsdk::CharStream* output = runtime.thread_locals().currentStdout;
+  return output != nullptr ? *output : runtime.listener();
+}
 
 template <class Printed>
 std::u16string print(Printed& printed) {
@@ -33,6 +46,17 @@ hostsdk::Value* compileAndRun(hostsdk::ScriptRuntime& runtime, hostsdk::CharStre
 
 }  // namespace
 
+hostsdk::ScriptRuntime& readyRuntime() {
+  hostsdk::ScriptRuntime& runtime = hostsdk::scriptRuntime();
+  runtime.init_thread_locals();
+  return runtime;
+}
+
+void throwLinkOutOfBounds(std::size_t capacity) {
+  throw std::runtime_error("mxs.frame.link: Index out of bounds [" + to_string(static_cast<std::uint64_t>(capacity)) +
+                           "]");
+}
+
 hostsdk::Value* evaluate(hostsdk::CharStream& source) {
   hostsdk::ScriptRuntime& runtime = hostsdk::scriptRuntime();
   frame<3> values;
@@ -54,6 +78,10 @@ std::u16string printedText(const hostsdk::MAXScriptException& error) { return pr
 std::u16string textOf(hostsdk::Value& value) {
   if (std::optional<std::u16string> text = value.text()) return *std::move(text);
   return print(value);
+}
+
+void printToListener(const std::u16string& text) {
+  if (hostsdk::ScriptRuntime* runtime = boundRuntime()) currentOutput(*runtime).puts(text);
 }
 
 }  // namespace corvantis::mxs
