@@ -1,4 +1,4 @@
-#include "worker/console.h"
+#include "worker/report/console.h"
 
 #include <fmt/color.h>
 #include <fmt/format.h>

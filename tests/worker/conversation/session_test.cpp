@@ -1,5 +1,5 @@
 // The conversation against a plug-in that is a list of what it expects and says.
-#include "worker/session.h"
+#include "worker/conversation/session.h"
 
 #include <gtest/gtest.h>
 

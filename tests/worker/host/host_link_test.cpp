@@ -1,9 +1,7 @@
 // Real processes that start, misbehave and end.
-#include "worker/host_link.h"
+#include "worker/host/host_link.h"
 
 #include <gtest/gtest.h>
-
-#include "worker/console.h"
 
 namespace worker {
 namespace {

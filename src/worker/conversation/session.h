@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "worker/job.h"
-#include "worker/protocol.h"
+#include "worker/conversation/protocol.h"
+#include "worker/job/job.h"
 
 namespace worker {
 

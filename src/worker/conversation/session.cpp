@@ -1,4 +1,4 @@
-#include "worker/session.h"
+#include "worker/conversation/session.h"
 
 #include <fmt/format.h>
 
@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "protocol/words.h"
-#include "worker/answers.h"
-#include "worker/path_names.h"
+#include "worker/conversation/answers.h"
+#include "worker/job/paths.h"
 
 namespace worker {
 namespace {

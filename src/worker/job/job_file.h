@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "worker/job.h"
+#include "worker/job/job.h"
 
 namespace worker {
 

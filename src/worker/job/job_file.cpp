@@ -1,4 +1,4 @@
-#include "worker/job_file.h"
+#include "worker/job/job_file.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "worker/frame_set.h"
+#include "worker/job/frame_set.h"
 
 namespace worker {
 namespace fs = std::filesystem;

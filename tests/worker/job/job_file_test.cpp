@@ -1,4 +1,4 @@
-#include "worker/job_file.h"
+#include "worker/job/job_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "worker/frame_set.h"
+#include "worker/job/frame_set.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "worker/job.h"
+#include "worker/job/job.h"
 
 namespace worker {
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "worker/console.h"
-#include "worker/host_link.h"
-#include "worker/job.h"
+#include "worker/host/host_link.h"
+#include "worker/job/job.h"
+#include "worker/report/console.h"
 
 namespace worker {
 

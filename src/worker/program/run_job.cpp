@@ -1,4 +1,4 @@
-#include "worker/run_job.h"
+#include "worker/program/run_job.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,4 +1,4 @@
-#include "worker/answers.h"
+#include "worker/conversation/answers.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "worker/session.h"
+#include "worker/conversation/session.h"
 
 namespace worker {
 

@@ -1,4 +1,4 @@
-#include "worker/protocol.h"
+#include "worker/conversation/protocol.h"
 
 #include <cstdlib>
 #include <optional>

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "worker/session.h"
+#include "worker/conversation/session.h"
 
 namespace worker {
 

@@ -1,4 +1,4 @@
-#include "worker/host_link.h"
+#include "worker/host/host_link.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

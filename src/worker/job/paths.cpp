@@ -1,4 +1,4 @@
-#include "worker/path_names.h"
+#include "worker/job/paths.h"
 
 #include "platform/code_page.h"
 #include "platform/files.h"

@@ -8,9 +8,9 @@
 #include <fstream>
 
 #include "platform/terminal.h"
-#include "worker/frame_set.h"
-#include "worker/job_file.h"
-#include "worker/run_job.h"
+#include "worker/job/frame_set.h"
+#include "worker/job/job_file.h"
+#include "worker/program/run_job.h"
 
 namespace {
 
