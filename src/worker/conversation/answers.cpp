@@ -43,13 +43,14 @@ bool beginsWith(const std::string& path, const std::string& beginning) {
   return true;
 }
 
-}  // namespace
-
+// The first mapping whose beginning fits `path` is applied; no mapping leaves it unchanged.
 std::string mapPath(const Job& job, const std::string& path) {
   for (const PathMapping& mapping : job.pathMappings)
     if (beginsWith(path, mapping.from)) return mapping.to + path.substr(mapping.from.size());
   return path;
 }
+
+}  // namespace
 
 std::string answerQuestion(const Job& job, const std::string& word, const std::string& argument) {
   if (word == question::kJobInfoEntry) {

@@ -10,7 +10,4 @@ namespace worker {
 // The reply to question `word` with `argument`: "SUCCESS: " and the value, or "ERROR: " and why there is none.
 std::string answerQuestion(const Job& job, const std::string& word, const std::string& argument);
 
-// The first mapping whose beginning fits `path` is applied; no mapping leaves it unchanged.
-std::string mapPath(const Job& job, const std::string& path);
-
 }  // namespace worker

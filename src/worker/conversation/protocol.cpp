@@ -50,20 +50,6 @@ std::string commandLine(const std::vector<std::string>& fields) {
   return line;
 }
 
-std::vector<std::string> splitFields(const std::string& text) {
-  std::vector<std::string> fields(1);
-  bool quoted = false;
-  for (const char c : text) {
-    if (c == '"')
-      quoted = !quoted;
-    else if (c == ',' && !quoted)
-      fields.emplace_back();
-    else
-      fields.back() += c;
-  }
-  return fields;
-}
-
 Message readMessage(const std::string& payload) {
   if (auto request = after(payload, protocol::kFunction)) return readRequest(payload, *request);
   if (auto text = after(payload, protocol::kError)) return {MessageKind::error, "", *text};

@@ -15,10 +15,6 @@ using protocol::kLargestMessage;
 // that the plug-in reads it unchanged.
 std::string commandLine(const std::vector<std::string>& fields);
 
-// The fields of a command line as a user writes it: commas separate, double quotes protect a comma. Backslashes stand
-// for themselves, so Windows paths need no care.
-std::vector<std::string> splitFields(const std::string& text);
-
 // What a message from the plug-in is.
 enum class MessageKind {
   log,            // a line of output; text is the line

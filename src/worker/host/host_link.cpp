@@ -7,7 +7,6 @@
 #include <boost/asio.hpp>
 #include <boost/process.hpp>
 #include <boost/process/group.hpp>
-#include <boost/tokenizer.hpp>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -65,14 +64,6 @@ std::string describeExit(int code, bool signalled) {
 }
 
 }  // namespace
-
-std::vector<std::string> splitCommand(const std::string& text) {
-  using Separator = boost::escaped_list_separator<char>;
-  std::vector<std::string> words;
-  for (const std::string& word : boost::tokenizer<Separator>(text, Separator("\\", " \t", "\"'")))
-    if (!word.empty()) words.push_back(word);
-  return words;
-}
 
 std::string randomToken() {
   std::random_device random;

@@ -19,9 +19,6 @@ struct HostOptions {
   std::function<void(const std::string&)> onHostLine;  // a line of the host's own output
 };
 
-// Splits a command line as a shell would: blanks separate, quotes of both kinds and backslashes protect.
-std::vector<std::string> splitCommand(const std::string& text);
-
 class HostLink : public Channel {
  public:
   // Listens on a free loopback port, writes the start-up script, starts the host and waits for its plug-in to connect.

@@ -10,9 +10,9 @@
 #include <stdexcept>
 
 #include "worker/job/frame_set.h"
+#include "worker/job/paths.h"
 
 namespace worker {
-namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 namespace {
@@ -73,7 +73,7 @@ void readObject(const Field& object, const Readers& readers) {
 
 class JobReader {
  public:
-  explicit JobReader(fs::path folder) : folder_(std::move(folder)) {}
+  explicit JobReader(std::string folder) : folder_(std::move(folder)) {}
 
   JobFile read(const Json& json) {
     readObject({json, ""}, readers());
@@ -83,10 +83,7 @@ class JobReader {
   }
 
  private:
-  std::string path(const Field& field) const {
-    const std::string text = field.text();
-    return text.empty() ? text : fs::absolute(folder_ / text).lexically_normal().string();
-  }
+  std::string path(const Field& field) const { return absolutePath(field.text(), folder_); }
   std::vector<std::string> paths(const Field& field) const {
     std::vector<std::string> list;
     for (const Field& item : field.items("a list of files")) list.push_back(path(item));
@@ -169,7 +166,7 @@ class JobReader {
     }
   }
 
-  fs::path folder_;
+  std::string folder_;
   JobFile file_;
 };
 
@@ -179,7 +176,7 @@ JobFile readJobFile(const std::string& path) {
   std::ifstream stream(path);
   if (!stream) throw std::runtime_error("Cannot read the job file " + path);
   try {
-    return JobReader(fs::absolute(path).parent_path()).read(Json::parse(stream));
+    return JobReader(std::filesystem::path(path).parent_path().string()).read(Json::parse(stream));
   } catch (const Json::parse_error& e) {
     throw std::runtime_error(fmt::format("{}: not valid JSON: {}", path, e.what()));
   } catch (const std::runtime_error& e) {

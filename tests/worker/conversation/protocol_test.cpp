@@ -11,13 +11,6 @@ TEST(Protocol, EscapesWhatTheCommandLineWouldSplitOrDrop) {
   EXPECT_EQ(commandLine({"X", "a,b", "say \"hi\"", "two\nlines"}), "X,a\\,b,say \\\"hi\\\",two\\nlines");
 }
 
-TEST(Protocol, SplitsSettingsAsUsersWriteThem) {
-  EXPECT_EQ(splitFields("RemovePadding"), (std::vector<std::string>{"RemovePadding"}));
-  EXPECT_EQ(splitFields("TempFolder,C:\\temp\\x"), (std::vector<std::string>{"TempFolder", "C:\\temp\\x"}));
-  EXPECT_EQ(splitFields("IgnoreRenderElementsByName,\"Z, depth\",\"\""),
-            (std::vector<std::string>{"IgnoreRenderElementsByName", "Z, depth", ""}));
-}
-
 TEST(Protocol, TellsMessagesApart) {
   const struct {
     const char* payload;

@@ -31,13 +31,6 @@ std::string failureOf(const HostOptions& options) {
   }
 }
 
-TEST(HostLink, SplitsCommandsAsAShellWould) {
-  EXPECT_EQ(splitCommand("host"), std::vector<std::string>{"host"});
-  EXPECT_EQ(splitCommand("  host  --a 'b c' \"d e\" f\\ g "),
-            (std::vector<std::string>{"host", "--a", "b c", "d e", "f g"}));
-  EXPECT_TRUE(splitCommand("  ").empty());
-}
-
 TEST(HostLink, TokensDiffer) {
   EXPECT_EQ(randomToken().size(), 32U);
   EXPECT_NE(randomToken(), randomToken());
