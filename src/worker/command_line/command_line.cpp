@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <boost/tokenizer.hpp>
+#include <optional>
 #include <sstream>
 
 #include "worker/job/frame_set.h"
@@ -14,10 +15,12 @@
 namespace worker {
 namespace {
 
+constexpr double kDefaultTimeout = 300;
+
 struct Arguments {
   std::string scene, frames, output, camera, jpegFolder, localFolder, jobFile;
   std::string host;
-  double timeout = 300;
+  std::optional<double> timeout;
   std::vector<std::string> settings, preJob, perFrame, postJob, mappings;
   std::string crashReport;
   bool verbose = false, quiet = false, plain = false, stopOnError = false;
@@ -30,7 +33,7 @@ void addCommonOptions(CLI::App& command, Arguments& arguments) {
       "(default: standin-host beside this program)");
   command.add_option("--timeout", arguments.timeout, "Seconds that the host may say nothing before it counts as hung")
       ->check(CLI::PositiveNumber)
-      ->capture_default_str();
+      ->default_str(fmt::format("{}", kDefaultTimeout));
   command.add_option("--crash-report", arguments.crashReport,
                      "Folder that keeps the description of a crash inside the host");
   command.add_flag("-v,--verbose", arguments.verbose, "Show the log lines of the plug-in and the host");
@@ -150,18 +153,19 @@ Job jobOf(const Arguments& arguments) {
 Request requestOf(const Arguments& arguments) {
   Request request;
   std::string host = arguments.host;
-  double timeout = arguments.timeout;
+  std::optional<double> timeout = arguments.timeout;
   if (arguments.jobFile.empty()) {
     request.job = jobOf(arguments);
   } else {
     JobFile file = readJobFile(arguments.jobFile);
     request.job = std::move(file.job);
-    timeout = file.timeout.value_or(timeout);
+    if (!timeout) timeout = file.timeout;
     if (host.empty()) host = file.host.value_or("");
   }
   request.host = splitCommand(host);
   if (!host.empty() && request.host.empty()) throw std::invalid_argument("--host: expected a command, got nothing");
-  request.silence = std::chrono::milliseconds(static_cast<std::int64_t>(std::min(timeout, 1e9) * 1000));
+  request.silence =
+      std::chrono::milliseconds(static_cast<std::int64_t>(std::min(timeout.value_or(kDefaultTimeout), 1e9) * 1000));
   request.crashReportFolder = absolutePath(arguments.crashReport);
   request.verbose = arguments.verbose;
   request.quiet = arguments.quiet;

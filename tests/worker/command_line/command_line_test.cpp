@@ -116,6 +116,7 @@ TEST_F(CommandLine, OptionsWinOverTheJobFile) {
   EXPECT_THAT(run(both).host, ElementsAre("file-host", "-x"));
   EXPECT_EQ(run(both).silence, std::chrono::seconds(20));
   EXPECT_THAT(run(both, {"--host", "my-host"}).host, ElementsAre("my-host"));
+  EXPECT_EQ(run(both, {"--timeout", "300"}).silence, std::chrono::seconds(300));
   EXPECT_EQ(run(R"(, "timeout": 1e300)").silence, std::chrono::seconds(1000000000));
 }
 
