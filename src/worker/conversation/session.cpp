@@ -26,9 +26,9 @@ class Session::Refused : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-Session::Session(const Job& job, const std::string& token, Channel& channel, JobObserver& observer,
+Session::Session(const Job& job, const std::string& token, Connection& connection, JobObserver& observer,
                  std::function<double()> now)
-    : job_(job), token_(token), channel_(channel), observer_(observer), now_(std::move(now)) {}
+    : job_(job), token_(token), connection_(connection), observer_(observer), now_(std::move(now)) {}
 
 JobResult Session::run() {
   try {
@@ -55,10 +55,10 @@ JobResult Session::run() {
 }
 
 void Session::handshake() {
-  if (channel_.receive() != token_)
+  if (connection_.receive() != token_)
     throw HostFailure("Something other than the host connected: the token it sent is not the one it was given");
-  channel_.send(std::string(protocol::kStartup));
-  const std::string identification = channel_.receive();
+  connection_.send(std::string(protocol::kStartup));
+  const std::string identification = connection_.receive();
   if (!identification.starts_with(protocol::kIdentification))
     throw HostFailure(fmt::format("Expected \"{}\" and a version from the plug-in, got \"{}\"",
                                   protocol::kIdentification, identification));
@@ -158,7 +158,7 @@ void Session::runScripts(const std::vector<std::string>& scripts, bool setFrame,
 
 Message Session::nextReply() {
   for (;;) {
-    Message message = readMessage(channel_.receive());
+    Message message = readMessage(connection_.receive());
     switch (message.kind) {
       case MessageKind::started:
       case MessageKind::success:
@@ -192,7 +192,7 @@ void Session::handle(const Message& message) {
       observer_.progress(message.value);
       break;
     case MessageKind::question:
-      channel_.send(answerQuestion(job_, message.word, message.text));
+      connection_.send(answerQuestion(job_, message.word, message.text));
       break;
     case MessageKind::unknownNotice:
       observer_.warning("The plug-in sent a notice that this worker does not know: " + message.text);
@@ -227,7 +227,7 @@ void Session::send(const std::vector<std::string>& fields) {
   if (line.size() > kLargestMessage)
     throw Refused(fmt::format("The command {} is {} bytes long; a plug-in takes at most {}", fields.front(),
                               line.size(), kLargestMessage));
-  channel_.send(line);
+  connection_.send(line);
 }
 
 }  // namespace worker

@@ -2,29 +2,14 @@
 #pragma once
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "worker/conversation/connection.h"
 #include "worker/conversation/protocol.h"
 #include "worker/job/job.h"
 
 namespace worker {
-
-// The host cannot be talked to any more: it died, hung, closed the connection or broke the protocol.
-class HostFailure : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// The two ends of a connection to a plug-in. Both throw HostFailure with the reason in words.
-class Channel {
- public:
-  virtual ~Channel() = default;
-  virtual void send(const std::string& payload) = 0;
-  // The next message, waited for as long as the host may stay silent.
-  virtual std::string receive() = 0;
-};
 
 // Told what happens, as it happens.
 class JobObserver {
@@ -42,7 +27,7 @@ class JobObserver {
 class Session {
  public:
   // All are borrowed. `now` gives seconds from any fixed moment.
-  Session(const Job& job, const std::string& token, Channel& channel, JobObserver& observer,
+  Session(const Job& job, const std::string& token, Connection& connection, JobObserver& observer,
           std::function<double()> now);
 
   // Runs the job from the token to the end of the job. Never throws for what the host does: a lost host is a result.
@@ -67,7 +52,7 @@ class Session {
 
   const Job& job_;
   const std::string& token_;
-  Channel& channel_;
+  Connection& connection_;
   JobObserver& observer_;
   std::function<double()> now_;
   JobResult result_;

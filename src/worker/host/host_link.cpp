@@ -1,5 +1,7 @@
 #include "worker/host/host_link.h"
 
+#include <utility>  // needed before Asio, which forgets it
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -15,6 +17,7 @@
 #include <random>
 
 #include "platform/process_status.h"
+#include "worker/conversation/protocol.h"
 
 namespace worker {
 namespace asio = boost::asio;

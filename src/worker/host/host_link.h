@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "worker/conversation/session.h"
+#include "worker/conversation/connection.h"
 
 namespace worker {
 
@@ -19,7 +19,7 @@ struct HostOptions {
   std::function<void(const std::string&)> onHostLine;  // a line of the host's own output
 };
 
-class HostLink : public Channel {
+class HostLink : public Connection {
  public:
   // Listens on a free loopback port, writes the start-up script, starts the host and waits for its plug-in to connect.
   // HostFailure: the program cannot be started, ends before it connects, or does not connect in time.

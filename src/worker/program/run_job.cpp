@@ -9,6 +9,8 @@
 #include <fstream>
 #include <optional>
 
+#include "worker/conversation/session.h"
+
 namespace worker {
 namespace {
 

@@ -9,7 +9,7 @@ namespace worker {
 namespace {
 
 // ">text" is expected from the worker, "<text" is sent to it, "!text" is a lost host.
-class ListedPlugin : public Channel {
+class ListedPlugin : public Connection {
  public:
   explicit ListedPlugin(std::deque<std::string> steps) : steps_(std::move(steps)) {}
 

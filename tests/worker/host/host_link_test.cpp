@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "worker/conversation/session.h"
+
 namespace worker {
 namespace {
 
