@@ -66,6 +66,14 @@ std::string describeExit(int code, bool signalled) {
   return signalled ? fmt::format("was ended by signal {}", code) : fmt::format("ended with exit code {}", code);
 }
 
+// Asio's signal handler writes into a pipe, which is closed with the last io_context that listens for signals, its
+// reading end first. A child that ends just then would be a SIGPIPE and the end of this program: one io_context is
+// kept for good, and the pipe with it.
+void keepSignalPipeOpen() {
+  static const auto* const kept = new asio::signal_set(*new asio::io_context);
+  (void)kept;
+}
+
 }  // namespace
 
 std::string randomToken() {
@@ -82,6 +90,7 @@ class HostLink::Implementation {
         timer_(io_),
         signals_(io_, SIGINT, SIGTERM),
         script_(acceptor_.local_endpoint().port(), token) {
+    keepSignalPipeOpen();
     watchSignals();
     startHost();
     acceptPlugin();
