@@ -16,7 +16,7 @@
 #include <optional>
 #include <random>
 
-#include "platform/process_status.h"
+#include "platform/environment.h"
 #include "worker/conversation/protocol.h"
 
 namespace worker {

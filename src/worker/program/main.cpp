@@ -4,7 +4,7 @@
 #include <boost/dll/runtime_symbol_info.hpp>
 #include <exception>
 
-#include "platform/terminal.h"
+#include "platform/environment.h"
 #include "worker/command_line/command_line.h"
 #include "worker/program/run_job.h"
 
