@@ -11,7 +11,8 @@
 #include <filesystem>
 
 #include "platform/files.h"
-#include "platform/posix/native_text.h"
+#include "platform/posix/code_page.h"
+#include "platform/posix/native_path.h"
 
 namespace platform {
 namespace {

@@ -11,8 +11,7 @@
 #include <ctime>
 
 #include "platform/files.h"
-#include "platform/posix/utf8_reader.h"
-#include "platform/posix/windows_1252.h"
+#include "platform/posix/code_page.h"
 
 namespace platform {
 namespace {
