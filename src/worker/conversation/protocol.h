@@ -1,15 +1,10 @@
 // The messages of the conversation with a plug-in, as the worker writes and reads them.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "protocol/framing.h"
-
 namespace worker {
-
-using protocol::kLargestMessage;
 
 // One command line: fields joined by commas; a field that holds a comma, quote, backslash or line feed is escaped so
 // that the plug-in reads it unchanged.

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "protocol/framing.h"
 #include "protocol/words.h"
 #include "worker/conversation/answers.h"
 #include "worker/job/paths.h"
@@ -224,9 +225,9 @@ void Session::send(std::string_view word, const std::vector<std::string>& parame
 
 void Session::send(const std::vector<std::string>& fields) {
   const std::string line = commandLine(fields);
-  if (line.size() > kLargestMessage)
+  if (line.size() > protocol::kLargestMessage)
     throw Refused(fmt::format("The command {} is {} bytes long; a plug-in takes at most {}", fields.front(),
-                              line.size(), kLargestMessage));
+                              line.size(), protocol::kLargestMessage));
   connection_.send(line);
 }
 

@@ -11,17 +11,17 @@
 
 namespace worker {
 
-// Told what happens, as it happens.
+// Told what happens, as it happens. Overrides what it cares for.
 class JobObserver {
  public:
   virtual ~JobObserver() = default;
-  virtual void jobStarted(const Job&, const std::string& pluginVersion) = 0;
-  virtual void frameStarted(std::size_t index) = 0;  // position in Job::frames
-  virtual void frameFinished(std::size_t index, const FrameResult&) = 0;
-  virtual void progress(float percent) = 0;  // of the frame; -1 when it cannot be measured
-  virtual void title(const std::string&) = 0;
-  virtual void log(const std::string&) = 0;  // a line from the plug-in or a script
-  virtual void warning(const std::string&) = 0;
+  virtual void jobStarted(const Job&, const std::string& /*pluginVersion*/) {}
+  virtual void frameStarted(std::size_t /*index*/) {}  // position in Job::frames
+  virtual void frameFinished(std::size_t /*index*/, const FrameResult&) {}
+  virtual void progress(float /*percent*/) {}  // of the frame; -1 when it cannot be measured
+  virtual void title(const std::string&) {}
+  virtual void log(const std::string& /*line*/) {}  // from the plug-in or a script
+  virtual void warning(const std::string&) {}
 };
 
 class Session {

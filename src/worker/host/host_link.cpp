@@ -17,7 +17,7 @@
 #include <random>
 
 #include "platform/environment.h"
-#include "worker/conversation/protocol.h"
+#include "protocol/framing.h"
 
 namespace worker {
 namespace asio = boost::asio;
@@ -104,9 +104,9 @@ class HostLink::Implementation {
 
   void send(const std::string& payload) {
     const auto size = static_cast<std::uint32_t>(payload.size());
-    const std::array<unsigned char, 4> header{static_cast<unsigned char>(size >> 24),
-                                              static_cast<unsigned char>(size >> 16),
-                                              static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+    const std::array<unsigned char, protocol::kHeaderSize> header{
+        static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
+        static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
     bool done = false;
     boost::system::error_code error;
     asio::async_write(socket_, std::array<asio::const_buffer, 2>{asio::buffer(header), asio::buffer(payload)},
@@ -119,13 +119,13 @@ class HostLink::Implementation {
   }
 
   std::string receive() {
-    std::array<unsigned char, 4> header{};
+    std::array<unsigned char, protocol::kHeaderSize> header{};
     read(header.data(), header.size());
     const std::uint32_t size = (std::uint32_t{header[0]} << 24) | (std::uint32_t{header[1]} << 16) |
                                (std::uint32_t{header[2]} << 8) | header[3];
-    if (size > kLargestMessage)
-      throw HostFailure(
-          fmt::format("Expected a message of at most {} bytes from the plug-in, got one of {}", kLargestMessage, size));
+    if (size > protocol::kLargestMessage)
+      throw HostFailure(fmt::format("Expected a message of at most {} bytes from the plug-in, got one of {}",
+                                    protocol::kLargestMessage, size));
     std::string payload(size, '\0');
     if (size > 0) read(payload.data(), payload.size());
     return payload;

@@ -131,35 +131,32 @@ TEST(PosixFaultGuard, SignalsAreNotLeftBlocked) {
   for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
 }
 
-TEST(PosixFaultGuardDeathTest, DeclinedFaultEndsTheProcessByItsSignal) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGFPE, SIG_DFL);
-        guarded([](void*) { support::divideIntegerByZero(); }, decline);
-      },
-      testing::KilledBySignal(SIGFPE), "");
-}
-
-TEST(PosixFaultGuardDeathTest, SentSignalEndsTheProcess) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGSEGV, SIG_DFL);
-        guarded([](void*) { ::raise(SIGSEGV); });
-      },
-      testing::KilledBySignal(SIGSEGV), "");
-}
-
-TEST(PosixFaultGuardDeathTest, FaultInsideTheFilterEndsTheProcess) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGSEGV, SIG_DFL);
-        guarded([](void*) { support::writeToNull(); },
-                [](void*, const platform::FaultContext&) {
-                  support::writeToNull();
-                  return true;
-                });
-      },
-      testing::KilledBySignal(SIGSEGV), "");
+TEST(PosixFaultGuardDeathTest, WhatNoFilterTakesEndsTheProcessByItsSignal) {
+  const struct {
+    const char* name;
+    int signal;
+    void (*work)();
+  } cases[] = {
+      {"declined", SIGFPE, [] { guarded([](void*) { support::divideIntegerByZero(); }, decline); }},
+      {"sent", SIGSEGV, [] { guarded([](void*) { ::raise(SIGSEGV); }); }},
+      {"inside the filter", SIGSEGV,
+       [] {
+         guarded([](void*) { support::writeToNull(); },
+                 [](void*, const platform::FaultContext&) {
+                   support::writeToNull();
+                   return true;
+                 });
+       }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EXIT(
+        {
+          ::signal(c.signal, SIG_DFL);
+          c.work();
+        },
+        testing::KilledBySignal(c.signal), "");
+  }
 }
 
 // Two pages of which only the first may be touched.

@@ -8,23 +8,12 @@
 namespace worker {
 namespace {
 
-class Silent : public JobObserver {
- public:
-  void jobStarted(const Job&, const std::string&) override {}
-  void frameStarted(std::size_t) override {}
-  void frameFinished(std::size_t, const FrameResult&) override {}
-  void progress(float) override {}
-  void title(const std::string&) override {}
-  void log(const std::string&) override {}
-  void warning(const std::string&) override {}
-};
-
 std::string failureOf(const HostOptions& options) {
   Job job;
   job.scene = "/a.gltf";
   job.frames = {1};
   const std::string token = randomToken();
-  Silent observer;
+  JobObserver observer;
   try {
     HostLink link(options, token);
     return Session(job, token, link, observer, [] { return 0.0; }).run().message;
