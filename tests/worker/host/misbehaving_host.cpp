@@ -11,50 +11,28 @@
 
 namespace {
 
-class Conversation {
- public:
-  explicit Conversation(std::uint16_t port) {
-    std::uint32_t loopback = 0;
-    platform::parseAddress("127.0.0.1", loopback);
-    if (!platform::connectSocket(socket_, loopback, port)) std::exit(8);
-  }
-  ~Conversation() { platform::closeSocket(socket_); }
-  Conversation(const Conversation&) = delete;
-  Conversation& operator=(const Conversation&) = delete;
+platform::SocketHandle worker = platform::kInvalidSocket;
 
-  void sendRaw(const std::string& bytes) {
-    for (std::size_t sent = 0; sent < bytes.size();) {
-      const std::ptrdiff_t taken = platform::sendBytes(socket_, bytes.data() + sent, bytes.size() - sent);
-      if (taken < 0) return;
-      sent += static_cast<std::size_t>(taken);
-    }
-  }
-  void send(const std::string& payload) {
-    const auto size = static_cast<std::uint32_t>(payload.size());
-    sendRaw(std::string{static_cast<char>(size >> 24), static_cast<char>(size >> 16), static_cast<char>(size >> 8),
-                        static_cast<char>(size)} +
-            payload);
-  }
-  // Ends the program when the worker has closed the connection.
-  std::string receive() {
-    const std::string header = receiveRaw(4);
-    const auto byte = [&](std::size_t i) { return static_cast<std::size_t>(static_cast<unsigned char>(header[i])); };
-    return receiveRaw(byte(2) << 8 | byte(3));
-  }
+void connect(std::uint16_t port) {
+  std::uint32_t loopback = 0;
+  platform::parseAddress("127.0.0.1", loopback);
+  worker = platform::openSocket(platform::SocketType::stream);
+  if (!platform::connectSocket(worker, loopback, port)) std::exit(8);
+}
 
- private:
-  std::string receiveRaw(std::size_t count) {
-    std::string bytes(count, '\0');
-    for (std::size_t got = 0; got < count;) {
-      const std::ptrdiff_t part = platform::receiveBytes(socket_, bytes.data() + got, count - got);
-      if (part <= 0) std::exit(0);
-      got += static_cast<std::size_t>(part);
-    }
-    return bytes;
-  }
+void sendRaw(const std::string& bytes) { (void)platform::sendBytes(worker, bytes.data(), bytes.size()); }
 
-  platform::SocketHandle socket_ = platform::openSocket(platform::SocketType::stream);
-};
+void send(const std::string& payload) { sendRaw(std::string(3, '\0') + static_cast<char>(payload.size()) + payload); }
+
+// Ends the program when the worker has closed the connection.
+void awaitWord(const std::string& word) {
+  std::string seen;
+  char byte = 0;
+  while (!seen.ends_with(word)) {
+    if (platform::receiveBytes(worker, &byte, 1) <= 0) std::exit(0);
+    seen += byte;
+  }
+}
 
 // The port and token of the script's one call.
 std::pair<std::uint16_t, std::string> readStartScript(const char* path) {
@@ -73,22 +51,20 @@ int main(int, char** argv) {
   const std::string role = argv[1];
   const auto [port, token] = readStartScript(argv[2]);
 
-  Conversation worker(port);
+  connect(port);
   if (role == "close") return 0;
-  worker.send(role == "token" ? "someone else" : token);
+  send(role == "token" ? "someone else" : token);
   if (role == "token") return 0;
-  worker.receive();
-  worker.send("Corvantis test");
-  worker.receive();  // StartJob
-  worker.send("SUCCESS Scene loaded successfully");
-  while (worker.receive().rfind("RenderTask", 0) != 0) {
-  }
-  worker.send("STARTED");
+  awaitWord("TessarynStartup");
+  send("Corvantis test");
+  awaitWord("StartJob");
+  send("SUCCESS Scene loaded successfully");
+  awaitWord("RenderTask,1");
+  send("STARTED");
   std::cout << "about to " << role << std::endl;
   if (role == "abort") std::raise(SIGKILL);
   if (role == "exit") std::_Exit(7);
-  if (role == "huge") worker.sendRaw("\x7f\xff\xff\xff");
-  if (role == "gibberish") worker.send("DANCE");
-  worker.receive();
-  return 0;
+  if (role == "huge") sendRaw("\x7f\xff\xff\xff");
+  if (role == "gibberish") send("DANCE");
+  awaitWord("the end of the connection");
 }
