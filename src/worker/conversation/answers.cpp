@@ -4,7 +4,6 @@
 
 #include <cctype>
 #include <charconv>
-#include <functional>
 #include <optional>
 
 #include "protocol/words.h"

@@ -57,9 +57,14 @@ void makeLocalFolder(const Job& job) {
 }
 
 ExitCode exitCodeOf(const Job& job, const JobResult& result) {
-  if (result.status == JobStatus::refused) return ExitCode::jobRefused;
-  if (result.status == JobStatus::hostFailed)
-    return result.message == HostLink::kInterrupted ? ExitCode::interrupted : ExitCode::hostFailed;
+  switch (result.status) {
+    case JobStatus::refused:
+      return ExitCode::jobRefused;
+    case JobStatus::hostFailed:
+      return result.message == HostLink::kInterrupted ? ExitCode::interrupted : ExitCode::hostFailed;
+    case JobStatus::done:
+      break;
+  }
   const bool complete =
       result.frames.size() == job.frames.size() &&
       std::all_of(result.frames.begin(), result.frames.end(), [](const FrameResult& f) { return f.rendered; });
