@@ -26,4 +26,17 @@ void pumpMessages();
 // How often pumpMessages() has run in this process.
 std::uint64_t pumpCount();
 
+// Whether standard output is a terminal.
+bool outputIsTerminal();
+// Columns of the terminal behind standard output; 80 when it is none or does not tell.
+int terminalWidth();
+
+// How a child process ended.
+struct ProcessEnd {
+  int code = 0;            // exit code, or the signal's number
+  bool signalled = false;  // ended by a signal (never on Windows)
+};
+// Reads the platform's own wait status.
+ProcessEnd processEnd(int nativeStatus);
+
 }  // namespace platform

@@ -1,18 +1,19 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 #include <chrono>
-#include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/modules.h"
 #include "support/environment.h"
+#include "support/faults.h"
 #include "support/platform_kind.h"
 #include "support/temporary_folder.h"
 
@@ -27,7 +28,7 @@ TEST(Environment, TellsUnsetFromEmpty) {
   EXPECT_EQ(environmentVariable(u"CORVANTIS_TEST_TEXT"), u"/tmp/\u00E4");
 }
 
-TEST(Environment, CommonDataFolderIsThere) {
+TEST(Environment, CommonDataFolderIsMade) {
   const support::TemporaryFolder folder;
   const support::Environment chosen("CORVANTIS_COMMON_APPDATA", folder.path("shared/data/"));
   const std::u16string common = commonApplicationDataFolder();
@@ -38,9 +39,8 @@ TEST(Environment, CommonDataFolderIsThere) {
   }
 }
 
-TEST(Environment, MachinesHaveNames) { EXPECT_FALSE(computerName().empty()); }
-
-TEST(Environment, ThreadsHaveNumbersAndPumpingIsCounted) {
+TEST(Environment, MachinesAndThreadsAreToldApartAndPumpingIsCounted) {
+  EXPECT_FALSE(computerName().empty());
   std::uint32_t other = 0;
   std::thread([&] { other = currentThreadId(); }).join();
   EXPECT_NE(currentThreadId(), other);
@@ -50,42 +50,28 @@ TEST(Environment, ThreadsHaveNumbersAndPumpingIsCounted) {
   EXPECT_EQ(pumpCount(), before + 1);
 }
 
-TEST(Modules, ListBeginsWithTheProgramAndHoldsItsCode) {
-  const std::vector<Module> modules = loadedModules();
-  ASSERT_GT(modules.size(), 1U);
-  EXPECT_EQ(modules.front().path, programPath());
-  EXPECT_TRUE(std::filesystem::exists(nativePath(programPath())));
-  const auto code = reinterpret_cast<std::uintptr_t>(&loadedModules);
-  EXPECT_GE(code, modules.front().base);
-  EXPECT_LT(code, modules.front().base + modules.front().size);
-}
+std::uintptr_t ownCode() { return reinterpret_cast<std::uintptr_t>(&ownCode); }
 
-TEST(Modules, FoundModuleIsTheListedOne) {
-  const std::vector<Module> modules = loadedModules();
-  const auto code = reinterpret_cast<std::uintptr_t>(&std::abort);
+TEST(Modules, OwnCodeIsTheProgramsAndItsFileHasADate) {
+  ModuleAt program;
+  findProgram(program);
   ModuleAt found;
-  ASSERT_TRUE(findModule(code, found));
-  const auto listed = std::find_if(modules.begin(), modules.end(), [&](const Module& module) {
-    return code >= module.base && code < module.base + module.size;
-  });
-  ASSERT_NE(listed, modules.end());
-  EXPECT_EQ(listed->path, windowsPath(found.path.data()));
-  EXPECT_EQ(listed->base, found.base);
-}
+  ASSERT_TRUE(findModule(ownCode(), found));
+  EXPECT_STREQ(found.path.data(), program.path.data());
+  EXPECT_EQ(std::memcmp(reinterpret_cast<const char*>(found.base), support::kIsWindows ? "MZ" : "\177ELF", 2), 0);
+  EXPECT_FALSE(findModule(support::kUnmappedAddress, found));
 
-TEST(Modules, LastWriteDateIsLocalTime) {
-  const support::TemporaryFolder folder;
-  const std::string file = folder.write("plugin.dll", "");
-  // Noon of 29 February 2024 UTC is the same day nearly everywhere.
-  const auto noon =
-      std::chrono::sys_seconds(std::chrono::sys_days(std::chrono::year(2024) / 2 / 29)) + std::chrono::hours(12);
-  std::filesystem::last_write_time(file, std::chrono::file_clock::from_sys(noon));
+  const std::filesystem::path file = nativePath(windowsPath(program.path.data()));
+  EXPECT_EQ(file.stem(), "test_platform");
+  const auto written = std::chrono::file_clock::to_sys(std::filesystem::last_write_time(file));
+  const std::time_t seconds =
+      std::chrono::system_clock::to_time_t(std::chrono::time_point_cast<std::chrono::seconds>(written));
+  const std::tm local = *std::localtime(&seconds);
   FileDate date;
-  ASSERT_TRUE(lastWriteDate(folder.wide("plugin.dll"), date));
-  EXPECT_EQ(date.month, 2);
-  EXPECT_EQ(date.day, 29);
-  EXPECT_EQ(date.year, 2024);
-  EXPECT_FALSE(lastWriteDate(folder.wide("gone.dll"), date));
+  ASSERT_TRUE(lastWriteDate(ownCode(), date));
+  EXPECT_EQ((std::array{date.month, date.day, date.year}),
+            (std::array{local.tm_mon + 1, local.tm_mday, local.tm_year + 1900}));
+  EXPECT_FALSE(lastWriteDate(support::kUnmappedAddress, date));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "platform/environment.h"
 
+#include <sys/ioctl.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -9,7 +11,8 @@
 #include <filesystem>
 
 #include "platform/files.h"
-#include "platform/posix/native_text.h"
+#include "platform/posix/code_page.h"
+#include "platform/posix/native_path.h"
 
 namespace platform {
 namespace {
@@ -55,5 +58,18 @@ std::uint32_t currentThreadId() { return static_cast<std::uint32_t>(::syscall(SY
 void pumpMessages() { pumps.fetch_add(1, std::memory_order_relaxed); }
 
 std::uint64_t pumpCount() { return pumps.load(std::memory_order_relaxed); }
+
+bool outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+int terminalWidth() {
+  winsize size{};
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;
+  return size.ws_col;
+}
+
+ProcessEnd processEnd(int nativeStatus) {
+  if (WIFSIGNALED(nativeStatus)) return {WTERMSIG(nativeStatus), true};
+  return {WEXITSTATUS(nativeStatus), false};
+}
 
 }  // namespace platform

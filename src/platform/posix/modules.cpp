@@ -5,44 +5,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <climits>
 #include <ctime>
+#include <string_view>
 
-#include "platform/files.h"
-#include "platform/posix/utf8_reader.h"
-#include "platform/posix/windows_1252.h"
+#include "platform/posix/code_page.h"
 
 namespace platform {
 namespace {
-
-struct Range {
-  std::uintptr_t begin = UINTPTR_MAX;
-  std::uintptr_t end = 0;
-};
-
-Range loadedRange(const dl_phdr_info& info) {
-  Range range;
-  for (int i = 0; i < info.dlpi_phnum; ++i) {
-    const ElfW(Phdr)& segment = info.dlpi_phdr[i];
-    if (segment.p_type != PT_LOAD) continue;
-    const std::uintptr_t begin = info.dlpi_addr + segment.p_vaddr;
-    range.begin = std::min(range.begin, begin);
-    range.end = std::max(range.end, begin + segment.p_memsz);
-  }
-  return range;
-}
-
-// The loader lists the program first and without a name.
-int appendModule(dl_phdr_info* info, std::size_t, void* list) {
-  auto& modules = *static_cast<std::vector<Module>*>(list);
-  const Range range = loadedRange(*info);
-  if (range.end == 0) return 0;
-  modules.push_back(
-      {modules.empty() ? programPath() : windowsPath(info->dlpi_name), range.begin, range.end - range.begin});
-  return 0;
-}
 
 bool dateOf(const char* native, FileDate& date) {
   struct stat status {};
@@ -88,19 +59,6 @@ bool findObject(std::uintptr_t address, dl_find_object& found) {
 
 }  // namespace
 
-std::vector<Module> loadedModules() {
-  std::vector<Module> modules;
-  ::dl_iterate_phdr(&appendModule, &modules);
-  return modules;
-}
-
-std::u16string programPath() {
-  const NativeName name = programName();
-  return windowsPath({name.bytes.data(), name.length});
-}
-
-bool lastWriteDate(const std::u16string& path, FileDate& date) { return dateOf(nativePath(path).c_str(), date); }
-
 // The unwinder's look-up is the one that may be made from a signal handler.
 bool findModule(std::uintptr_t address, ModuleAt& module) {
   dl_find_object found{};
@@ -111,7 +69,6 @@ bool findModule(std::uintptr_t address, ModuleAt& module) {
     setPath(module, found.dlfo_link_map->l_name);
   }
   module.base = reinterpret_cast<std::uintptr_t>(found.dlfo_map_start);
-  module.size = reinterpret_cast<std::uintptr_t>(found.dlfo_map_end) - module.base;
   return true;
 }
 

@@ -1,11 +1,15 @@
 #include "platform/posix/native_path.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/posix/native_text.h"
+#include "platform/posix/code_page.h"
 
 namespace platform {
 namespace posix {
@@ -89,6 +93,22 @@ NativePath locateNatively(std::u16string_view path) {
 }
 
 }  // namespace
+
+std::string homeFolder() {
+  std::string folder;
+  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
+    folder = home;
+  } else {
+    std::array<char, 4096> buffer{};
+    passwd entry{};
+    passwd* found = nullptr;
+    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
+      folder = entry.pw_dir;
+    }
+  }
+  while (!folder.empty() && folder.back() == '/') folder.pop_back();
+  return folder;
+}
 
 NativePath locate(std::u16string_view path) {
   const bool onDrive = startsWithDrive(path);

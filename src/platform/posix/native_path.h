@@ -19,4 +19,7 @@ struct NativePath {
 
 NativePath locate(std::u16string_view windowsPath);
 
+// The user's home folder without a trailing separator; empty when there is none.
+std::string homeFolder();
+
 }  // namespace platform::posix

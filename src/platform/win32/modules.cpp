@@ -6,8 +6,6 @@
 
 #include <algorithm>
 
-#include "platform/win32/wide.h"
-
 namespace platform {
 namespace {
 
@@ -63,39 +61,7 @@ bool dateOf(HANDLE file, FileDate& date) {
   return known;
 }
 
-bool dateAndClose(HANDLE file, FileDate& date) {
-  if (file == INVALID_HANDLE_VALUE) return false;
-  const bool known = dateOf(file, date);
-  ::CloseHandle(file);
-  return known;
-}
-
 }  // namespace
-
-std::vector<Module> loadedModules() {
-  std::vector<Module> modules;
-  ModuleSnapshot snapshot;
-  while (const MODULEENTRY32W* const module = snapshot.next()) {
-    modules.push_back({win32::text(module->szExePath), baseOf(*module), module->modBaseSize});
-  }
-  return modules;
-}
-
-std::u16string programPath() {
-  std::u16string path(MAX_PATH, u'\0');
-  for (;;) {
-    const DWORD size = ::GetModuleFileNameW(nullptr, win32::buffer(path), static_cast<DWORD>(path.size()));
-    const bool isWhole = size < path.size();
-    path.resize(isWhole ? size : path.size() * 2);
-    if (isWhole) return path;
-  }
-}
-
-bool lastWriteDate(const std::u16string& path, FileDate& date) {
-  return dateAndClose(::CreateFileW(win32::wide(path), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr),
-                      date);
-}
 
 bool findModule(std::uintptr_t address, ModuleAt& module) {
   MODULEENTRY32W entry{};
@@ -106,7 +72,6 @@ bool findModule(std::uintptr_t address, ModuleAt& module) {
   std::copy_n(path.begin(), module.path.size() - 1, module.path.begin());
   module.path.back() = '\0';
   module.base = baseOf(entry);
-  module.size = entry.modBaseSize;
   return true;
 }
 
@@ -118,9 +83,12 @@ void findProgram(ModuleAt& module) {
 bool lastWriteDate(std::uintptr_t address, FileDate& date) {
   ModuleAt module;
   if (!findModule(address, module)) return false;
-  return dateAndClose(::CreateFileA(module.path.data(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr),
-                      date);
+  const HANDLE file = ::CreateFileA(module.path.data(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const bool known = dateOf(file, date);
+  ::CloseHandle(file);
+  return known;
 }
 
 }  // namespace platform

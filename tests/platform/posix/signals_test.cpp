@@ -27,19 +27,17 @@ std::uint32_t guarded(void (*work)(void*), platform::FaultFilter filter = accept
 
 // Earlier handlers that leave their fault behind, as a crash reporter does not and a test must.
 sigjmp_buf escape;
-volatile std::sig_atomic_t plainCalls = 0;
-volatile std::sig_atomic_t detailedCalls = 0;
+volatile std::sig_atomic_t calls = 0;
 volatile std::sig_atomic_t lastCode = 0;
 
 void plainHandler(int) {
-  plainCalls = plainCalls + 1;
+  calls = calls + 1;
   siglongjmp(escape, 1);
 }
 
 void detailedHandler(int, siginfo_t* info, void*) {
-  detailedCalls = detailedCalls + 1;
   lastCode = info->si_code;
-  siglongjmp(escape, 1);
+  plainHandler(0);
 }
 
 class EarlierHandler {
@@ -52,8 +50,7 @@ class EarlierHandler {
     } else {
       action.sa_handler = plainHandler;
     }
-    plainCalls = 0;
-    detailedCalls = 0;
+    calls = 0;
     lastCode = 0;
     ::sigaction(signal_, &action, &previous_);
   }
@@ -66,40 +63,44 @@ class EarlierHandler {
   struct sigaction previous_ {};
 };
 
-TEST(PosixFaultGuard, FaultOnAnotherThreadGoesToTheEarlierHandler) {
-  const EarlierHandler earlier(SIGSEGV, true);
-  const std::uint32_t code = guarded([](void*) {
-    std::thread([] {
-      if (sigsetjmp(escape, 1) == 0) support::writeToNull();
-    }).join();
-  });
-  EXPECT_EQ(code, 0U);
-  EXPECT_EQ(detailedCalls, 1);
-  EXPECT_EQ(lastCode, SEGV_MAPERR);
+// The outer guard still stands when a handler jumps out of an inner one, which knows nothing of it.
+TEST(PosixFaultGuard, EarlierHandlersTakeWhatNoGuardDoes) {
+  const struct {
+    const char* name;
+    int signal;
+    bool detailed;
+    platform::FaultFilter filter;
+    void (*work)(void*);
+    int code;
+  } cases[] = {
+      {"on another thread", SIGSEGV, true, accept,
+       [](void*) {
+         std::thread([] {
+           if (sigsetjmp(escape, 1) == 0) support::writeToNull();
+         }).join();
+       },
+       SEGV_MAPERR},
+      {"sent", SIGSEGV, true, accept,
+       [](void*) {
+         if (sigsetjmp(escape, 1) == 0) ::raise(SIGSEGV);
+       },
+       SI_TKILL},
+      {"declined", SIGFPE, false, decline,
+       [](void*) {
+         if (sigsetjmp(escape, 1) == 0) guarded([](void*) { support::divideIntegerByZero(); }, decline);
+       },
+       0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const EarlierHandler earlier(c.signal, c.detailed);
+    EXPECT_EQ(guarded(c.work, c.filter), 0U);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(lastCode, c.code);
+  }
 }
 
-TEST(PosixFaultGuard, DeclinedFaultGoesToAPlainHandler) {
-  const EarlierHandler earlier(SIGFPE, false);
-  guarded(
-      [](void*) {
-        if (sigsetjmp(escape, 1) == 0) {
-          guarded([](void*) { support::divideIntegerByZero(); }, decline);
-        }
-        // The inner guard was left by a jump that it knows nothing of; the outer one still stands.
-      },
-      decline);
-  EXPECT_EQ(plainCalls, 1);
-}
-
-TEST(PosixFaultGuard, SignalThatWasSentIsNoFault) {
-  const EarlierHandler earlier(SIGSEGV, true);
-  guarded([](void*) {
-    if (sigsetjmp(escape, 1) == 0) ::raise(SIGSEGV);
-  });
-  EXPECT_EQ(detailedCalls, 1);
-}
-
-TEST(PosixFaultGuard, EarlierHandlersAndStackAreBackWhenTheLastGuardEnds) {
+TEST(PosixFaultGuard, HandlersStackAndMaskAreBackWhenTheLastGuardEnds) {
   const EarlierHandler earlier(SIGBUS, false);
   stack_t before{};
   ::sigaltstack(nullptr, &before);
@@ -111,6 +112,9 @@ TEST(PosixFaultGuard, EarlierHandlersAndStackAreBackWhenTheLastGuardEnds) {
   ::sigaltstack(nullptr, &after);
   EXPECT_EQ(after.ss_sp, before.ss_sp);
   EXPECT_EQ(after.ss_flags, before.ss_flags);
+  sigset_t mask;
+  ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
 }
 
 TEST(PosixFaultGuard, HandlerInstalledInsideTheGuardIsLeftAlone) {
@@ -124,42 +128,32 @@ TEST(PosixFaultGuard, HandlerInstalledInsideTheGuardIsLeftAlone) {
   EXPECT_EQ(action.sa_handler, &plainHandler);
 }
 
-TEST(PosixFaultGuard, SignalsAreNotLeftBlocked) {
-  guarded([](void*) { support::writeToNull(); });
-  sigset_t mask;
-  ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-  for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) EXPECT_EQ(sigismember(&mask, signal), 0) << signal;
-}
-
-TEST(PosixFaultGuardDeathTest, DeclinedFaultEndsTheProcessByItsSignal) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGFPE, SIG_DFL);
-        guarded([](void*) { support::divideIntegerByZero(); }, decline);
-      },
-      testing::KilledBySignal(SIGFPE), "");
-}
-
-TEST(PosixFaultGuardDeathTest, SentSignalEndsTheProcess) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGSEGV, SIG_DFL);
-        guarded([](void*) { ::raise(SIGSEGV); });
-      },
-      testing::KilledBySignal(SIGSEGV), "");
-}
-
-TEST(PosixFaultGuardDeathTest, FaultInsideTheFilterEndsTheProcess) {
-  EXPECT_EXIT(
-      {
-        ::signal(SIGSEGV, SIG_DFL);
-        guarded([](void*) { support::writeToNull(); },
-                [](void*, const platform::FaultContext&) {
-                  support::writeToNull();
-                  return true;
-                });
-      },
-      testing::KilledBySignal(SIGSEGV), "");
+TEST(PosixFaultGuardDeathTest, WhatNoFilterTakesEndsTheProcessByItsSignal) {
+  const struct {
+    const char* name;
+    int signal;
+    void (*work)();
+  } cases[] = {
+      {"declined", SIGFPE, [] { guarded([](void*) { support::divideIntegerByZero(); }, decline); }},
+      {"sent", SIGSEGV, [] { guarded([](void*) { ::raise(SIGSEGV); }); }},
+      {"inside the filter", SIGSEGV,
+       [] {
+         guarded([](void*) { support::writeToNull(); },
+                 [](void*, const platform::FaultContext&) {
+                   support::writeToNull();
+                   return true;
+                 });
+       }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EXIT(
+        {
+          ::signal(c.signal, SIG_DFL);
+          c.work();
+        },
+        testing::KilledBySignal(c.signal), "");
+  }
 }
 
 // Two pages of which only the first may be touched.

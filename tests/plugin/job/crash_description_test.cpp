@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/code_page.h"
 #include "support/faults.h"
 #include "support/platform_kind.h"
 
@@ -39,7 +38,9 @@ std::string hexadecimal(std::uintptr_t value) {
 }
 
 std::string programPath() {
-  return platform::wideToMultibyte(platform::programPath(), platform::CodePage::ansi).value();
+  platform::ModuleAt program;
+  platform::findProgram(program);
+  return program.path.data();
 }
 
 std::string instructionLine(const void* code) {
@@ -114,7 +115,7 @@ TEST(DescribeCrash, TellsProcessModuleDateCodeAndInstruction) {
   platform::ModuleAt module;
   ASSERT_TRUE(findModuleForAddress(knownCode(), module));
   platform::FileDate date;
-  ASSERT_TRUE(platform::lastWriteDate(platform::programPath(), date));
+  ASSERT_TRUE(platform::lastWriteDate(knownCode(), date));
   std::array<char, 32> dateText{};
   std::snprintf(dateText.data(), dateText.size(), "%02d/%02d/%d", date.month, date.day, date.year);
   const Frames frames(1, knownCode() + 1);
