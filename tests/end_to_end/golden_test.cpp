@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "programs.h"
 #include "support/temporary_folder.h"
 
@@ -54,13 +54,13 @@ double shareOfDifferences(const DecodedImage& golden, const DecodedImage& image,
 std::string keep(const DecodedImage& differences, const std::string& name) {
   const fs::path folder = fs::path(CORVANTIS_BIN_DIR) / "../differences";
   fs::create_directories(folder);
-  hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  hostkit::image::ImageCodecLibrary codecs(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
   hostkit::image::EncodeRequest request;
   request.extension = "exr";
   request.width = differences.width;
   request.height = differences.height;
   request.pixels = differences.pixels.data();
-  const auto bytes = io.encode(request);
+  const auto bytes = codecs.encode(request);
   const std::string path = (folder / (name + ".exr")).lexically_normal().string();
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

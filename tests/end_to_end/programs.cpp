@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 
 namespace end_to_end {
 namespace process = boost::process;
@@ -34,8 +34,8 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
 }
 
 hostkit::image::DecodedImage readImage(const std::string& path) {
-  static hostkit::image::ImageIo io(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
-  return io.decode(path);
+  static hostkit::image::ImageCodecLibrary codecs(std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so");
+  return codecs.decode(path);
 }
 
 Difference compare(const hostkit::image::DecodedImage& a, const hostkit::image::DecodedImage& b) {

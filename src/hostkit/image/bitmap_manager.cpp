@@ -92,7 +92,7 @@ class ImageBitmap final : public hostsdk::Bitmap {
     request.hasAlpha = (info.Flags() & hostsdk::kMapHasAlpha) != 0;
     request.pixelAspect = info.Aspect();
     request.gamma = manager_.gamma_.effectiveOut();
-    return manager_.io_.encode(request);
+    return manager_.codecs_.encode(request);
   }
 
   std::uint16_t fail(OutputResult result, const std::string& text) {
@@ -116,9 +116,9 @@ class ImageBitmap final : public hostsdk::Bitmap {
   std::unique_ptr<OutputFile> output_;
 };
 
-ImageBitmapManager::ImageBitmapManager(ImageIo& io, const services::GammaManager& gamma,
+ImageBitmapManager::ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma,
                                        std::function<void(const std::string&)> log)
-    : io_(io), gamma_(gamma), log_(std::move(log)) {}
+    : codecs_(codecs), gamma_(gamma), log_(std::move(log)) {}
 
 hostsdk::Bitmap* ImageBitmapManager::Create(const hostsdk::BitmapInfo& info) {
   const bool known = info.Type() == hostsdk::kBitmapTrueColor64 || info.Type() == hostsdk::kBitmapRealPixFloat32;

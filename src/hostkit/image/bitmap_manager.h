@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"
@@ -31,7 +31,8 @@ inline constexpr std::uint64_t kLargestBitmap = std::uint64_t{1} << 28;
 class ImageBitmapManager : public hostsdk::BitmapManager {
  public:
   // All three are borrowed and outlive the manager and its bitmaps. `log` receives one line a failure.
-  ImageBitmapManager(ImageIo& io, const services::GammaManager& gamma, std::function<void(const std::string&)> log);
+  ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma,
+                     std::function<void(const std::string&)> log);
 
   // Null for a size of 0 or above `kLargestBitmap`, an unknown pixel type, or when memory runs out.
   hostsdk::Bitmap* Create(const hostsdk::BitmapInfo& info) override;
@@ -43,7 +44,7 @@ class ImageBitmapManager : public hostsdk::BitmapManager {
 
  private:
   friend class ImageBitmap;
-  ImageIo& io_;
+  ImageCodecLibrary& codecs_;
   const services::GammaManager& gamma_;
   std::function<void(const std::string&)> log_;
   int live_ = 0;

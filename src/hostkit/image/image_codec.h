@@ -30,8 +30,8 @@ struct DecodedImage {
 // The module's two entry points. Each returns false and sets `error` on failure; neither throws.
 using EncodeFunction = bool (*)(const EncodeRequest& request, std::vector<unsigned char>& file, std::string& error);
 using DecodeFunction = bool (*)(const std::string& nativePath, DecodedImage& image, std::string& error);
-inline constexpr const char* kEncodeEntry = "standinEncodeImage";
-inline constexpr const char* kDecodeEntry = "standinDecodeImage";
+inline constexpr const char* kEncodeEntry = "corvantisEncodeImage";
+inline constexpr const char* kDecodeEntry = "corvantisDecodeImage";
 
 // Whether files of this extension (lower case, no dot) can be written: exr, png, tif, tiff, jpg, jpeg, bmp, tga.
 bool canEncode(const std::string& extension);

@@ -140,11 +140,11 @@ bool guarded(std::string& error, Work&& work) {
 
 #define MODULE_ENTRY extern "C" __attribute__((visibility("default")))
 
-MODULE_ENTRY bool standinEncodeImage(const EncodeRequest& request, std::vector<unsigned char>& file,
-                                     std::string& error) {
+MODULE_ENTRY bool corvantisEncodeImage(const EncodeRequest& request, std::vector<unsigned char>& file,
+                                       std::string& error) {
   return guarded(error, [&] { encode(request, file); });
 }
 
-MODULE_ENTRY bool standinDecodeImage(const std::string& path, DecodedImage& image, std::string& error) {
+MODULE_ENTRY bool corvantisDecodeImage(const std::string& path, DecodedImage& image, std::string& error) {
   return guarded(error, [&] { decode(path, image); });
 }

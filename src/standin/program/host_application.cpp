@@ -17,8 +17,8 @@ void print(std::u16string_view text) {
 }  // namespace
 
 HostApplication::HostApplication()
-    : imageIo_(hostkit::image::ImageIo::defaultModulePath()),
-      bitmaps_(imageIo_, gamma_, [this](const std::string& line) { log_.line(line); }),
+    : codecs_(hostkit::image::ImageCodecLibrary::defaultModulePath()),
+      bitmaps_(codecs_, gamma_, [this](const std::string& line) { log_.line(line); }),
       paths_([this](const std::string& line) { log_.line(line); }),
       core_(
           paths_, [this](const std::string& line) { log_.line(line); },
@@ -27,7 +27,7 @@ HostApplication::HostApplication()
   hostkit::script::EngineOptions options;
   options.listener = print;
   scripts_ = std::make_unique<hostkit::script::Engine>(bindings_, std::move(options));
-  core_.onLoad = [this] { imageIo_.start(); };
+  core_.onLoad = [this] { codecs_.start(); };
   core_.onEvent = [this](const char* event) {
     scripts_->fireNotification(hostkit::services::toWide(event), hostkit::script::HostValue{});
   };

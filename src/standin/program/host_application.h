@@ -5,7 +5,7 @@
 #include <string>
 
 #include "hostkit/image/bitmap_manager.h"
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "hostkit/script/engine/engine.h"
 #include "hostkit/services/path_configuration.h"
 #include "hostkit/services/plugin_library.h"
@@ -34,7 +34,7 @@ class HostApplication {
  private:
   hostkit::services::SystemLog log_;
   hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageIo imageIo_;
+  hostkit::image::ImageCodecLibrary codecs_;
   hostkit::image::ImageBitmapManager bitmaps_;
   hostkit::services::PathConfiguration paths_;
   host::Core core_;
