@@ -48,7 +48,7 @@ class DarkImage {
  private:
   hostkit::image::ImageCodecLibrary noFiles_{""};
   hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageBitmapManager manager_{noFiles_, gamma_, [](const std::string&) {}};
+  hostkit::image::ImageBitmapManager manager_{noFiles_, gamma_, "test", [](const std::string&) {}};
   hostsdk::Bitmap* bitmap_ = nullptr;
 };
 

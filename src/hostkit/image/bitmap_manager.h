@@ -1,4 +1,4 @@
-// The stand-in host's bitmaps: storage of their own, files through the image module.
+// The host's bitmaps: storage of their own, files through the image codecs.
 #pragma once
 
 #include <cstdint>
@@ -30,8 +30,9 @@ inline constexpr std::uint64_t kLargestBitmap = std::uint64_t{1} << 28;
 
 class ImageBitmapManager : public hostsdk::BitmapManager {
  public:
-  // All three are borrowed and outlive the manager and its bitmaps. `log` receives one line a failure.
-  ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma,
+  // `codecs` and `gamma` are borrowed and outlive the manager and its bitmaps. `product` is what the files say made
+  // them; `log` receives one line a failure.
+  ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma, std::string product,
                      std::function<void(const std::string&)> log);
 
   // Null for a size of 0 or above `kLargestBitmap`, an unknown pixel type, or when memory runs out.
@@ -39,16 +40,14 @@ class ImageBitmapManager : public hostsdk::BitmapManager {
 
   // Bitmaps made and not yet released.
   int liveBitmaps() const { return live_; }
-  // How often a frame buffer was shown.
-  int displays() const { return displays_; }
 
  private:
   friend class ImageBitmap;
   ImageCodecLibrary& codecs_;
   const services::GammaManager& gamma_;
+  std::string product_;
   std::function<void(const std::string&)> log_;
   int live_ = 0;
-  int displays_ = 0;
 };
 
 }  // namespace hostkit::image

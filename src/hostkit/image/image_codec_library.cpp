@@ -1,6 +1,5 @@
 #include "hostkit/image/image_codec_library.h"
 
-#include <array>
 #include <boost/dll/runtime_symbol_info.hpp>
 #include <boost/dll/shared_library.hpp>
 #include <memory>
@@ -14,13 +13,6 @@ struct ImageCodecLibrary::Module {
   EncodeFunction encode = nullptr;
   DecodeFunction decode = nullptr;
 };
-
-bool canEncode(const std::string& extension) {
-  static constexpr std::array kExtensions{"exr", "png", "tif", "tiff", "jpg", "jpeg", "bmp", "tga"};
-  for (const char* known : kExtensions)
-    if (extension == known) return true;
-  return false;
-}
 
 ImageCodecLibrary::ImageCodecLibrary(std::string modulePath) : modulePath_(std::move(modulePath)) {}
 

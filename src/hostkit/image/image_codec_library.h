@@ -1,4 +1,4 @@
-// The image module, loaded in the background.
+// The library of image codecs, a module that is loaded in the background.
 #pragma once
 
 #include <future>

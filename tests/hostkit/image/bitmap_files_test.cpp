@@ -61,7 +61,8 @@ class BitmapFiles : public testing::Test {
   support::TemporaryFolder folder_;
   hostkit::services::GammaManager gamma_;
   std::vector<std::string> log_;
-  ImageBitmapManager manager_{sharedCodecs(), gamma_, [this](const std::string& line) { log_.push_back(line); }};
+  ImageBitmapManager manager_{sharedCodecs(), gamma_, "test",
+                              [this](const std::string& line) { log_.push_back(line); }};
 };
 
 TEST_F(BitmapFiles, EveryFormatHoldsWhatItPromises) {
@@ -216,7 +217,7 @@ TEST(ImageCodecLibrary, AMissingModuleIsAnErrorOfTheImageNotOfTheHost) {
   hostkit::services::GammaManager gamma;
   std::vector<std::string> log;
   support::TemporaryFolder folder;
-  ImageBitmapManager manager(codecs, gamma, [&](const std::string& line) { log.push_back(line); });
+  ImageBitmapManager manager(codecs, gamma, "test", [&](const std::string& line) { log.push_back(line); });
   BitmapInfo info;
   info.SetWidth(2);
   info.SetHeight(2);

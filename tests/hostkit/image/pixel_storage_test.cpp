@@ -55,7 +55,7 @@ TEST(PixelStorage, RefusesPixelsOutsideTheImage) {
 TEST(PixelStorage, PlacesAnImageByTheCustomFields) {
   ImageCodecLibrary codecs("no such module");
   hostkit::services::GammaManager gamma;
-  ImageBitmapManager manager(codecs, gamma, [](const std::string&) {});
+  ImageBitmapManager manager(codecs, gamma, "test", [](const std::string&) {});
   hostsdk::BitmapInfo sourceInfo;
   sourceInfo.SetWidth(6);
   sourceInfo.SetHeight(5);

@@ -39,7 +39,7 @@ class CoreTest : public testing::Test {
   std::vector<std::string> log_, listener_, events_;
   hostkit::services::GammaManager gamma_;
   hostkit::image::ImageCodecLibrary codecs_{std::string(CORVANTIS_BIN_DIR) + "/libimage_codec.so"};
-  hostkit::image::ImageBitmapManager manager_{codecs_, gamma_, [](const std::string&) {}};
+  hostkit::image::ImageBitmapManager manager_{codecs_, gamma_, "test", [](const std::string&) {}};
   hostkit::services::PathConfiguration paths_{[](const std::string&) {}};
   Core core_{paths_, [this](const std::string& line) { log_.push_back(line); },
              [this](const std::string& line) { listener_.push_back(line); }};
