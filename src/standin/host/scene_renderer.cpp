@@ -8,10 +8,15 @@
 #include <variant>
 #include <vector>
 
+#include "hostkit/services/renderer_classes.h"
 #include "hostkit/services/text.h"
 #include "standin/host/camera_view.h"
 
 namespace standin::host {
+using hostkit::services::kRendererA;
+using hostkit::services::kRendererB;
+using hostkit::services::kRendererC;
+
 namespace {
 
 constexpr int kCropType = 4;

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "hostkit/image/bitmap_manager.h"
+#include "hostkit/services/renderer_classes.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
 
@@ -84,7 +85,7 @@ TEST_F(CoreTest, TakesTheScenesSettings) {
   EXPECT_EQ(core_.ActiveViewport()->ViewCamera(), nullptr);
   ASSERT_NE(core_.Viewport(0)->ViewCamera(), nullptr);
   EXPECT_EQ(core_.Viewport(0)->ViewCamera()->Name(), u"Side");
-  EXPECT_EQ(core_.CurrentRenderer(true)->ClassID(), kRendererB);
+  EXPECT_EQ(core_.CurrentRenderer(true)->ClassID(), hostkit::services::kRendererB);
   EXPECT_TRUE(core_.CurrentRenderer(true)->HasRequirement(2));
   EXPECT_FALSE(core_.CurrentRenderer(true)->HasRequirement(1));
   ASSERT_EQ(listener_.size(), 1U) << "an unknown key is a warning";
