@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -104,6 +105,11 @@ TEST_F(BitmapFiles, EveryFormatHoldsWhatItPromises) {
     }
   }
   EXPECT_EQ(filesInFolder(), std::size(cases)) << "nothing else is left beside the images";
+  for (const ImageExtension& known : kImageExtensions)
+    EXPECT_TRUE(
+        std::any_of(std::begin(cases), std::end(cases),
+                    [&](const auto& c) { return std::string(c.name).ends_with("." + std::string(known.extension)); }))
+        << known.extension << " has no case";
 }
 
 TEST_F(BitmapFiles, GammaChangesOnlyEightBitFiles) {
@@ -188,7 +194,8 @@ class FullDisk {
 };
 
 TEST_F(BitmapFiles, AFullDiskIsAnErrorForEveryFormatAndKeepsTheOldFile) {
-  for (const char* name : {"a.exr", "a.png", "a.tif", "a.jpg", "a.bmp", "a.tga"}) {
+  for (const ImageExtension& known : kImageExtensions) {
+    const std::string name = "a." + std::string(known.extension);
     SCOPED_TRACE(name);
     folder_.write(name, "old");
     const std::size_t before = filesInFolder();
