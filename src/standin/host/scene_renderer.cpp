@@ -10,7 +10,7 @@
 
 #include "hostkit/services/renderer_classes.h"
 #include "hostkit/services/text.h"
-#include "standin/host/camera_view.h"
+#include "standin/host/cameras.h"
 
 namespace standin::host {
 using hostkit::services::kRendererA;
