@@ -8,7 +8,7 @@
 
 #include "bench/report.h"
 #include "hostkit/image/bitmap_manager.h"
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"
@@ -46,9 +46,9 @@ class DarkImage {
   const float* channels() { return static_cast<hostkit::image::PixelStorage*>(bitmap_->Storage())->floats().data(); }
 
  private:
-  hostkit::image::ImageIo noFiles_{""};
+  hostkit::image::ImageCodecLibrary noFiles_{""};
   hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageBitmapManager manager_{noFiles_, gamma_, [](const std::string&) {}};
+  hostkit::image::ImageBitmapManager manager_{noFiles_, gamma_, "test", [](const std::string&) {}};
   hostsdk::Bitmap* bitmap_ = nullptr;
 };
 

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "programs.h"
 #include "support/build_folders.h"
 #include "support/temporary_folder.h"
@@ -55,13 +55,13 @@ double shareOfDifferences(const DecodedImage& golden, const DecodedImage& image,
 std::string keep(const DecodedImage& differences, const std::string& name) {
   const fs::path folder = fs::path(support::programFolder()) / "../differences";
   fs::create_directories(folder);
-  hostkit::image::ImageIo io(support::programFolder() + "/libimage_codec.so");
+  hostkit::image::ImageCodecLibrary codecs(support::programFolder() + "/libimage_codec.so");
   hostkit::image::EncodeRequest request;
   request.extension = "exr";
   request.width = differences.width;
   request.height = differences.height;
   request.pixels = differences.pixels.data();
-  const auto bytes = io.encode(request);
+  const auto bytes = codecs.encode(request);
   const std::string path = (folder / (name + ".exr")).lexically_normal().string();
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

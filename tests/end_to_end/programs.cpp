@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "support/build_folders.h"
 
 namespace end_to_end {
@@ -35,8 +35,8 @@ Finished run(const std::string& program, const std::vector<std::string>& argumen
 }
 
 hostkit::image::DecodedImage readImage(const std::string& path) {
-  static hostkit::image::ImageIo io(support::programFolder() + "/libimage_codec.so");
-  return io.decode(path);
+  static hostkit::image::ImageCodecLibrary codecs(support::programFolder() + "/libimage_codec.so");
+  return codecs.decode(path);
 }
 
 Difference compare(const hostkit::image::DecodedImage& a, const hostkit::image::DecodedImage& b) {

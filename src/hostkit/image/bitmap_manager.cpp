@@ -38,18 +38,15 @@ class ImageBitmap final : public hostsdk::Bitmap {
   hostsdk::BitmapStorage* Storage() override { return &storage_; }
   int PrepareGChannels(const hostsdk::BitmapInfo&) override { return 1; }
 
-  // There is no window: showing is only counted.
-  int Display(const char16_t*, int, bool, bool, hostsdk::CropCallback*, hostsdk::Bitmap*) override {
-    ++manager_.displays_;
-    return 1;
-  }
+  // There is no window to show it in.
+  int Display(const char16_t*, int, bool, bool, hostsdk::CropCallback*, hostsdk::Bitmap*) override { return 1; }
   int UnDisplay() override { return 1; }
 
   std::uint16_t OpenOutput(const hostsdk::BitmapInfo& info) override {
     output_.reset();
     if (info.Name().empty()) return fail(OutputResult::noName, "The output names no file");
     const std::string path = platform::nativePath(info.Name());
-    if (!canEncode(extensionOf(path)))
+    if (!imageFormatOf(extensionOf(path)))
       return fail(OutputResult::unknownFormat, "Cannot write " + path + ": no image format has this extension");
     return attempt(OutputResult::cannotOpen, [&] { output_ = std::make_unique<OutputFile>(path); });
   }
@@ -80,6 +77,7 @@ class ImageBitmap final : public hostsdk::Bitmap {
     std::vector<float> converted;
     EncodeRequest request;
     request.extension = extensionOf(path);
+    request.product = manager_.product_;
     request.width = storage_.width();
     request.height = storage_.height();
     request.floatSource = storage_.isFloat();
@@ -92,7 +90,7 @@ class ImageBitmap final : public hostsdk::Bitmap {
     request.hasAlpha = (info.Flags() & hostsdk::kMapHasAlpha) != 0;
     request.pixelAspect = info.Aspect();
     request.gamma = manager_.gamma_.effectiveOut();
-    return manager_.io_.encode(request);
+    return manager_.codecs_.encode(request);
   }
 
   std::uint16_t fail(OutputResult result, const std::string& text) {
@@ -116,9 +114,9 @@ class ImageBitmap final : public hostsdk::Bitmap {
   std::unique_ptr<OutputFile> output_;
 };
 
-ImageBitmapManager::ImageBitmapManager(ImageIo& io, const services::GammaManager& gamma,
-                                       std::function<void(const std::string&)> log)
-    : io_(io), gamma_(gamma), log_(std::move(log)) {}
+ImageBitmapManager::ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma,
+                                       std::string product, std::function<void(const std::string&)> log)
+    : codecs_(codecs), gamma_(gamma), product_(std::move(product)), log_(std::move(log)) {}
 
 hostsdk::Bitmap* ImageBitmapManager::Create(const hostsdk::BitmapInfo& info) {
   const bool known = info.Type() == hostsdk::kBitmapTrueColor64 || info.Type() == hostsdk::kBitmapRealPixFloat32;

@@ -1,11 +1,11 @@
-// The stand-in host's bitmaps: storage of their own, files through the image module.
+// The host's bitmaps: storage of their own, files through the image codecs.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <string>
 
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"
@@ -30,24 +30,24 @@ inline constexpr std::uint64_t kLargestBitmap = std::uint64_t{1} << 28;
 
 class ImageBitmapManager : public hostsdk::BitmapManager {
  public:
-  // All three are borrowed and outlive the manager and its bitmaps. `log` receives one line a failure.
-  ImageBitmapManager(ImageIo& io, const services::GammaManager& gamma, std::function<void(const std::string&)> log);
+  // `codecs` and `gamma` are borrowed and outlive the manager and its bitmaps. `product` is what the files say made
+  // them; `log` receives one line a failure.
+  ImageBitmapManager(ImageCodecLibrary& codecs, const services::GammaManager& gamma, std::string product,
+                     std::function<void(const std::string&)> log);
 
   // Null for a size of 0 or above `kLargestBitmap`, an unknown pixel type, or when memory runs out.
   hostsdk::Bitmap* Create(const hostsdk::BitmapInfo& info) override;
 
   // Bitmaps made and not yet released.
   int liveBitmaps() const { return live_; }
-  // How often a frame buffer was shown.
-  int displays() const { return displays_; }
 
  private:
   friend class ImageBitmap;
-  ImageIo& io_;
+  ImageCodecLibrary& codecs_;
   const services::GammaManager& gamma_;
+  std::string product_;
   std::function<void(const std::string&)> log_;
   int live_ = 0;
-  int displays_ = 0;
 };
 
 }  // namespace hostkit::image

@@ -2,14 +2,38 @@
 // module of its own because it takes 0.4 s and 120 MB to load.
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace hostkit::image {
 
+enum class ImageFormat { exr, tiff, png, tga, jpeg, bmp };
+
+// The extensions, in lower case and without the dot, of files that can be written.
+struct ImageExtension {
+  std::string_view extension;
+  ImageFormat format;
+};
+inline constexpr std::array kImageExtensions{
+    ImageExtension{"exr", ImageFormat::exr},   ImageExtension{"tif", ImageFormat::tiff},
+    ImageExtension{"tiff", ImageFormat::tiff}, ImageExtension{"png", ImageFormat::png},
+    ImageExtension{"tga", ImageFormat::tga},   ImageExtension{"jpg", ImageFormat::jpeg},
+    ImageExtension{"jpeg", ImageFormat::jpeg}, ImageExtension{"bmp", ImageFormat::bmp}};
+
+// nullopt: no format has this extension, and a file of it cannot be written.
+constexpr std::optional<ImageFormat> imageFormatOf(std::string_view extension) {
+  for (const ImageExtension& known : kImageExtensions)
+    if (known.extension == extension) return known.format;
+  return std::nullopt;
+}
+
 // Pixels to encode: RGBA, row-major from the top left, linear, colour premultiplied by alpha.
 struct EncodeRequest {
-  std::string extension;          // lower case, without the dot
+  std::string extension;          // one of kImageExtensions
+  std::string product;            // what the file says made it
   int width = 0, height = 0;      // pixels
   const float* pixels = nullptr;  // width * height * 4
   bool floatSource = true;        // false: the bitmap holds 16-bit integers, so a file need not hold more
@@ -30,10 +54,6 @@ struct DecodedImage {
 // The module's two entry points. Each returns false and sets `error` on failure; neither throws.
 using EncodeFunction = bool (*)(const EncodeRequest& request, std::vector<unsigned char>& file, std::string& error);
 using DecodeFunction = bool (*)(const std::string& nativePath, DecodedImage& image, std::string& error);
-inline constexpr const char* kEncodeEntry = "standinEncodeImage";
-inline constexpr const char* kDecodeEntry = "standinDecodeImage";
-
-// Whether files of this extension (lower case, no dot) can be written: exr, png, tif, tiff, jpg, jpeg, bmp, tga.
-bool canEncode(const std::string& extension);
-
+inline constexpr const char* kEncodeEntry = "corvantisEncodeImage";
+inline constexpr const char* kDecodeEntry = "corvantisDecodeImage";
 }  // namespace hostkit::image

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "hostkit/image/image_codec.h"
 
@@ -12,6 +15,7 @@ namespace {
 
 using hostkit::image::DecodedImage;
 using hostkit::image::EncodeRequest;
+using hostkit::image::ImageFormat;
 namespace oiio = OIIO;
 
 // What a file of each kind holds.
@@ -21,22 +25,31 @@ struct Format {
   oiio::TypeDesc integerType;  // sample type for 16-bit bitmaps
   bool alpha;                  // has room for an alpha channel
   bool unassociated;           // its alpha is not premultiplied
+  bool zip;                    // is compressed so
 };
 
-const Format* formatOf(const std::string& extension) {
-  static const Format exr{"openexr", oiio::TypeFloat, oiio::TypeHalf, true, false};
-  static const Format tiff{"tiff", oiio::TypeFloat, oiio::TypeUInt16, true, false};
-  static const Format png{"png", oiio::TypeUInt8, oiio::TypeUInt8, true, true};
-  static const Format tga{"targa", oiio::TypeUInt8, oiio::TypeUInt8, true, true};
-  static const Format jpeg{"jpeg", oiio::TypeUInt8, oiio::TypeUInt8, false, false};
-  static const Format bmp{"bmp", oiio::TypeUInt8, oiio::TypeUInt8, false, false};
-  if (extension == "exr") return &exr;
-  if (extension == "tif" || extension == "tiff") return &tiff;
-  if (extension == "png") return &png;
-  if (extension == "tga") return &tga;
-  if (extension == "jpg" || extension == "jpeg") return &jpeg;
-  if (extension == "bmp") return &bmp;
-  return nullptr;
+const Format& formatOf(ImageFormat format) {
+  static const Format exr{"openexr", oiio::TypeFloat, oiio::TypeHalf, true, false, true};
+  static const Format tiff{"tiff", oiio::TypeFloat, oiio::TypeUInt16, true, false, true};
+  static const Format png{"png", oiio::TypeUInt8, oiio::TypeUInt8, true, true, false};
+  static const Format tga{"targa", oiio::TypeUInt8, oiio::TypeUInt8, true, true, false};
+  static const Format jpeg{"jpeg", oiio::TypeUInt8, oiio::TypeUInt8, false, false, false};
+  static const Format bmp{"bmp", oiio::TypeUInt8, oiio::TypeUInt8, false, false, false};
+  switch (format) {
+    case ImageFormat::exr:
+      return exr;
+    case ImageFormat::tiff:
+      return tiff;
+    case ImageFormat::png:
+      return png;
+    case ImageFormat::tga:
+      return tga;
+    case ImageFormat::jpeg:
+      return jpeg;
+    case ImageFormat::bmp:
+      return bmp;
+  }
+  throw std::runtime_error("Unknown image format");
 }
 
 std::uint8_t toByte(float value, float inverseGamma) {
@@ -71,32 +84,32 @@ std::vector<float> floatsOf(const EncodeRequest& request, int channels) {
 }
 
 void encode(const EncodeRequest& request, std::vector<unsigned char>& file) {
-  const Format* format = formatOf(request.extension);
-  if (!format) throw std::runtime_error("Unknown image file extension \"" + request.extension + "\"");
-  const std::unique_ptr<oiio::ImageOutput> output = oiio::ImageOutput::create(format->writer);
+  const auto known = hostkit::image::imageFormatOf(request.extension);
+  if (!known) throw std::runtime_error("Unknown image file extension \"" + request.extension + "\"");
+  const Format& format = formatOf(*known);
+  const std::unique_ptr<oiio::ImageOutput> output = oiio::ImageOutput::create(format.writer);
   if (!output) throw std::runtime_error("No writer for " + request.extension + " files: " + oiio::geterror());
   if (!output->supports("ioproxy")) throw std::runtime_error(request.extension + " files cannot be written to memory");
 
-  const int channels = format->alpha && request.hasAlpha ? 4 : 3;
-  const oiio::TypeDesc type = request.floatSource ? format->floatType : format->integerType;
+  const int channels = format.alpha && request.hasAlpha ? 4 : 3;
+  const oiio::TypeDesc type = request.floatSource ? format.floatType : format.integerType;
   oiio::ImageSpec spec(request.width, request.height, channels, type);
   spec.attribute("PixelAspectRatio", request.pixelAspect);
-  spec.attribute("Software", "Corvantis stand-in host");
-  if (format->unassociated) spec.attribute("oiio:UnassociatedAlpha", 1);
+  spec.attribute("Software", request.product);
+  if (format.unassociated) spec.attribute("oiio:UnassociatedAlpha", 1);
   if (type == oiio::TypeUInt8)
     spec.attribute("oiio:Gamma", request.gamma);
   else
     spec.attribute("oiio:ColorSpace", "Linear");
-  if (request.extension == "exr") spec.attribute("compression", "zip");
-  if (request.extension == "tif" || request.extension == "tiff") spec.attribute("compression", "zip");
-  if (std::string_view(format->writer) == "jpeg") spec.attribute("CompressionQuality", request.jpegQuality);
+  if (format.zip) spec.attribute("compression", "zip");
+  if (*known == ImageFormat::jpeg) spec.attribute("CompressionQuality", request.jpegQuality);
 
   oiio::Filesystem::IOVecOutput proxy(file);
   if (!output->set_ioproxy(&proxy) || !output->open("memory." + request.extension, spec))
     throw std::runtime_error("Cannot encode the image: " + output->geterror());
   const bool written =
       type == oiio::TypeUInt8
-          ? output->write_image(oiio::TypeUInt8, bytesOf(request, channels, format->unassociated).data())
+          ? output->write_image(oiio::TypeUInt8, bytesOf(request, channels, format.unassociated).data())
           : output->write_image(oiio::TypeFloat, floatsOf(request, channels).data());
   if (!written || !output->close()) throw std::runtime_error("Cannot encode the image: " + output->geterror());
 }
@@ -140,11 +153,11 @@ bool guarded(std::string& error, Work&& work) {
 
 #define MODULE_ENTRY extern "C" __attribute__((visibility("default")))
 
-MODULE_ENTRY bool standinEncodeImage(const EncodeRequest& request, std::vector<unsigned char>& file,
-                                     std::string& error) {
+MODULE_ENTRY bool corvantisEncodeImage(const EncodeRequest& request, std::vector<unsigned char>& file,
+                                       std::string& error) {
   return guarded(error, [&] { encode(request, file); });
 }
 
-MODULE_ENTRY bool standinDecodeImage(const std::string& path, DecodedImage& image, std::string& error) {
+MODULE_ENTRY bool corvantisDecodeImage(const std::string& path, DecodedImage& image, std::string& error) {
   return guarded(error, [&] { decode(path, image); });
 }

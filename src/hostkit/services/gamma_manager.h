@@ -5,22 +5,18 @@
 
 namespace hostkit::services {
 
-// At start gamma is on, 2.2 both ways, so that previews look as on any screen.
+// At start gamma is on, 2.2 for files that are written, so that previews look as on any screen.
 class GammaManager : public hostsdk::GammaMgr {
  public:
   void Enable(int on) override { enabled_ = on != 0; }
-  void SetFileInGamma(float gamma) override { fileIn_ = gamma; }
+  void SetFileInGamma(float) override {}  // what is read says itself how it is encoded
   void SetFileOutGamma(float gamma) override { fileOut_ = gamma; }
 
-  bool enabled() const { return enabled_; }
-  float fileIn() const { return fileIn_; }
-  float fileOut() const { return fileOut_; }
   // The exponent that 8-bit files are written with: 1 when gamma is off or not a positive number.
   float effectiveOut() const { return enabled_ && fileOut_ > 0 ? fileOut_ : 1.0F; }
 
  private:
   bool enabled_ = true;
-  float fileIn_ = 2.2F;
   float fileOut_ = 2.2F;
 };
 

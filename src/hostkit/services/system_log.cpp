@@ -13,6 +13,6 @@ void SystemLog::LogEntry(Level level, bool, const std::u16string& title, const s
   fmt::print(stderr, "{}: {}: {}\n", kNames.at(static_cast<std::size_t>(level)), toUtf8(title), toUtf8(text));
 }
 
-void SystemLog::line(const std::string& text) { fmt::print(stderr, "standin-host: {}\n", text); }
+void SystemLog::line(const std::string& text) { fmt::print(stderr, "{}: {}\n", program_, text); }
 
 }  // namespace hostkit::services

@@ -1,52 +1,37 @@
 #include "standin/bindings/script_bindings.h"
 
-#include <array>
 #include <filesystem>
 #include <utility>
 
 #include "hostkit/services/text.h"
 #include "hostsdk/script_value.h"
 #include "platform/files.h"
-#include "standin/bindings/script_layers.h"
 #include "standin/bindings/script_node.h"
 #include "standin/bindings/script_render.h"
-#include "standin/bindings/script_values.h"
-#include "standin/bindings/script_views.h"
+#include "standin/bindings/script_scene.h"
 
 namespace standin::bindings {
 namespace {
 
+using hostkit::bindings::Arguments;
+using hostkit::bindings::asBoolean;
+using hostkit::bindings::asInteger;
+using hostkit::bindings::asText;
+using hostkit::bindings::kAnyCount;
 using hostkit::script::HostInterval;
+using hostkit::script::HostOk;
 using hostkit::script::HostTime;
 using hostkit::script::HostValue;
 using B = ScriptBindings;
 
-struct Global {
-  const char16_t* name;  // as it is shown
-  HostValue (*get)(B&);
-  void (*set)(B&, const HostValue&);  // null: read-only
-};
-
 scene::Scene& sceneOf(B& b) { return b.core().live().description(); }
 
-std::int32_t size(const HostValue& value, const char16_t* what) {
-  const std::int32_t n = asInteger(value, what);
-  if (n < 1 || n > 32767) throw hostsdk::RuntimeError(std::u16string(what) + u" requires an Integer from 1 to 32767");
-  return n;
-}
-
-void setFrameRate(B& b, const HostValue& value) {
-  const std::int32_t rate = asInteger(value, u"frameRate");
-  if (rate < 1 || rate > scene::kTicksPerSecond)
-    throw hostsdk::RuntimeError(u"frameRate requires an Integer from 1 to 4800");
-  sceneOf(b).frameRate = rate;
-}
+std::int32_t size(const HostValue& value, const char16_t* what) { return asInteger(value, what, 1, 32767); }
 
 void setAnimationRange(B& b, const HostValue& value) {
-  const auto* range = std::get_if<HostInterval>(&value);
-  if (!range) throw hostsdk::RuntimeError(u"animationRange requires Interval");
-  sceneOf(b).firstFrame = range->start / b.ticksPerFrame();
-  sceneOf(b).lastFrame = range->end / b.ticksPerFrame();
+  const HostInterval range = hostkit::bindings::asInterval(value, u"animationRange");
+  sceneOf(b).firstFrame = range.start / b.ticksPerFrame();
+  sceneOf(b).lastFrame = range.end / b.ticksPerFrame();
 }
 
 std::u16string scenePart(B& b, bool folder) {
@@ -57,91 +42,85 @@ std::u16string scenePart(B& b, bool folder) {
                 : hostkit::services::toWide(file.filename().string());
 }
 
-const std::array kGlobals{
-    Global{u"sliderTime", [](B& b) -> HostValue { return HostTime{b.time()}; },
-           [](B& b, const HostValue& v) { b.setTime(asTime(v, b.ticksPerFrame(), u"sliderTime")); }},
-    Global{u"currentTime", [](B& b) -> HostValue { return HostTime{b.time()}; }, nullptr},
-    Global{u"animationRange", [](B& b) -> HostValue { return b.activeSegment(); }, setAnimationRange},
-    Global{u"frameRate", [](B& b) -> HostValue { return sceneOf(b).frameRate; }, setFrameRate},
-    Global{u"ticksPerFrame", [](B& b) -> HostValue { return b.ticksPerFrame(); }, nullptr},
-    Global{u"renderWidth", [](B& b) -> HostValue { return b.core().RenderWidth(); },
-           [](B& b, const HostValue& v) { b.core().SetRenderWidth(size(v, u"renderWidth")); }},
-    Global{u"renderHeight", [](B& b) -> HostValue { return b.core().RenderHeight(); },
-           [](B& b, const HostValue& v) { b.core().SetRenderHeight(size(v, u"renderHeight")); }},
-    Global{u"renderPixelAspect", [](B& b) -> HostValue { return b.core().RenderPixelAspect(); },
-           [](B& b, const HostValue& v) { sceneOf(b).render.pixelAspect = asFloat(v, u"renderPixelAspect"); }},
-    Global{u"rendOutputFilename", [](B& b) -> HostValue { return b.core().RenderOutput().Name(); },
-           [](B& b, const HostValue& v) { b.core().setRenderOutput(asText(v, u"rendOutputFilename")); }},
-    Global{u"rendSaveFile", [](B& b) -> HostValue { return b.core().RenderSaveFile(); },
-           [](B& b, const HostValue& v) { b.core().SetRenderSaveFile(asBoolean(v, u"rendSaveFile")); }},
-    Global{u"skipRenderedFrames", [](B& b) -> HostValue { return b.core().RenderSkipExisting(); },
-           [](B& b, const HostValue& v) { sceneOf(b).render.skipExisting = asBoolean(v, u"skipRenderedFrames"); }},
-    Global{u"maxFileName", [](B& b) -> HostValue { return scenePart(b, false); }, nullptr},
-    Global{u"maxFilePath", [](B& b) -> HostValue { return scenePart(b, true); }, nullptr},
-    Global{u"renderers", [](B& b) -> HostValue { return scriptRenderers(b.core()); }, nullptr},
-    Global{u"maxOps", [](B& b) -> HostValue { return scriptMaxOps(b.core()); }, nullptr},
-    Global{u"LayerManager", [](B& b) -> HostValue { return scriptLayers(b.core()); }, nullptr},
-    Global{u"viewport", [](B& b) -> HostValue { return scriptViewports(b.core()); }, nullptr},
-    Global{u"renderSceneDialog", [](B&) -> HostValue { return scriptRenderDialog(); }, nullptr},
-    Global{u"rootNode", [](B& b) -> HostValue { return scriptRootNode(b.core()); }, nullptr},
-    Global{u"sceneMaterials", [](B& b) { return scriptMaterials(b.core()); }, nullptr},
-    Global{u"environmentMap", [](B&) -> HostValue { return {}; }, nullptr},
+constexpr hostkit::bindings::Property<B> kGlobals[] = {
+    {u"sliderTime", [](B& b) -> HostValue { return HostTime{b.time()}; },
+     [](B& b, const HostValue& v) { b.setTime(hostkit::bindings::asTime(v, b.ticksPerFrame(), u"sliderTime")); }},
+    {u"currentTime", [](B& b) -> HostValue { return HostTime{b.time()}; }},
+    {u"animationRange", [](B& b) -> HostValue { return b.activeSegment(); }, setAnimationRange},
+    {u"frameRate", [](B& b) -> HostValue { return sceneOf(b).frameRate; },
+     [](B& b, const HostValue& v) { sceneOf(b).frameRate = asInteger(v, u"frameRate", 1, scene::kTicksPerSecond); }},
+    {u"ticksPerFrame", [](B& b) -> HostValue { return b.ticksPerFrame(); }},
+    {u"renderWidth", [](B& b) -> HostValue { return b.core().RenderWidth(); },
+     [](B& b, const HostValue& v) { b.core().SetRenderWidth(size(v, u"renderWidth")); }},
+    {u"renderHeight", [](B& b) -> HostValue { return b.core().RenderHeight(); },
+     [](B& b, const HostValue& v) { b.core().SetRenderHeight(size(v, u"renderHeight")); }},
+    {u"renderPixelAspect", [](B& b) -> HostValue { return b.core().RenderPixelAspect(); },
+     [](B& b, const HostValue& v) {
+       sceneOf(b).render.pixelAspect = hostkit::bindings::asFloat(v, u"renderPixelAspect");
+     }},
+    {u"rendOutputFilename", [](B& b) -> HostValue { return b.core().RenderOutput().Name(); },
+     [](B& b, const HostValue& v) { b.core().setRenderOutput(asText(v, u"rendOutputFilename")); }},
+    {u"rendSaveFile", [](B& b) -> HostValue { return b.core().RenderSaveFile(); },
+     [](B& b, const HostValue& v) { b.core().SetRenderSaveFile(asBoolean(v, u"rendSaveFile")); }},
+    {u"skipRenderedFrames", [](B& b) -> HostValue { return b.core().RenderSkipExisting(); },
+     [](B& b, const HostValue& v) { sceneOf(b).render.skipExisting = asBoolean(v, u"skipRenderedFrames"); }},
+    {u"maxFileName", [](B& b) -> HostValue { return scenePart(b, false); }},
+    {u"maxFilePath", [](B& b) -> HostValue { return scenePart(b, true); }},
+    {u"renderers", [](B& b) -> HostValue { return scriptRenderers(b.core()); }},
+    {u"maxOps", [](B& b) -> HostValue { return scriptMaxOps(b.core()); }},
+    {u"LayerManager", [](B& b) -> HostValue { return scriptLayers(b.core()); }},
+    {u"viewport", [](B& b) -> HostValue { return scriptViewports(b.core()); }},
+    {u"renderSceneDialog", [](B& b) -> HostValue { return scriptRenderDialog(b.core()); }},
+    {u"rootNode", [](B& b) -> HostValue { return scriptRootNode(b.core()); }},
+    {u"sceneMaterials", [](B& b) { return scriptMaterials(b.core()); }},
+    {u"environmentMap", [](B&) -> HostValue { return {}; }},
 };
 
-const Global* find(std::u16string_view name) {
-  for (const Global& global : kGlobals)
-    if (lowerCase(global.name) == name) return &global;
-  return nullptr;
+HostValue loadMaxFile(B& b, const Arguments& arguments) {
+  if (arguments.size() != 1) throw hostsdk::RuntimeError(u"loadMaxFile requires the name of a scene file");
+  const std::u16string path = asText(arguments[0], u"loadMaxFile");
+  return b.core().IsSceneFile(path) && b.core().LoadFromFile(path, 0);
 }
+
+HostValue setRenderType(B& b, const Arguments& arguments) {
+  if (arguments.size() != 1) throw hostsdk::RuntimeError(u"setRenderType requires the name of a render type");
+  b.renderType() = asText(arguments[0], u"setRenderType");
+  return HostOk{};
+}
+
+constexpr hostkit::bindings::Function<B> kFunctions[] = {
+    {u"loadMaxFile", kAnyCount, loadMaxFile},
+    {u"resetMaxFile", kAnyCount,
+     [](B& b, const Arguments&) -> HostValue {
+       b.core().ResetScene(1);
+       return HostOk{};
+     }},
+    {u"getRenderType", kAnyCount,
+     [](B& b, const Arguments&) -> HostValue { return hostkit::script::HostName{b.renderType()}; }},
+    {u"setRenderType", kAnyCount, setRenderType},
+};
 
 }  // namespace
 
 ScriptBindings::ScriptBindings(host::Core& core, std::function<void(const std::string&)> log)
     : core_(core), log_(std::move(log)) {}
 
+std::span<const hostkit::bindings::Property<B>> ScriptBindings::properties() { return kGlobals; }
+std::span<const hostkit::bindings::Function<B>> ScriptBindings::functions() { return kFunctions; }
+
 std::vector<std::u16string> ScriptBindings::propertyNames() const {
-  std::vector<std::u16string> names;
-  names.reserve(kGlobals.size());
-  for (const Global& global : kGlobals) names.emplace_back(global.name);
+  std::vector<std::u16string> names = TableObject::propertyNames();
   for (std::u16string& name : settings_.names()) names.push_back(std::move(name));
   return names;
 }
 
-std::vector<std::u16string> ScriptBindings::functionNames() const {
-  return {u"loadMaxFile", u"resetMaxFile", u"getRenderType", u"setRenderType"};
-}
-
 std::optional<HostValue> ScriptBindings::get(std::u16string_view name) {
-  const Global* global = find(name);
-  return global ? global->get(*this) : settings_.get(name);
+  auto value = TableObject::get(name);
+  return value ? value : settings_.get(name);
 }
 
 bool ScriptBindings::set(std::u16string_view name, const HostValue& value) {
-  const Global* global = find(name);
-  if (!global) return settings_.set(name, value, ticksPerFrame());
-  if (!global->set) return false;
-  global->set(*this, value);
-  return true;
-}
-
-std::optional<HostValue> ScriptBindings::call(std::u16string_view name, const std::vector<HostValue>& arguments,
-                                              const hostkit::script::HostKeywords&) {
-  if (name == u"loadmaxfile") {
-    if (arguments.size() != 1) throw hostsdk::RuntimeError(u"loadMaxFile requires the name of a scene file");
-    const std::u16string path = asText(arguments[0], u"loadMaxFile");
-    return core_.IsSceneFile(path) && core_.LoadFromFile(path, 0);
-  }
-  if (name == u"resetmaxfile") {
-    core_.ResetScene(1);
-    return hostkit::script::HostOk{};
-  }
-  if (name == u"getrendertype") return hostkit::script::HostName{renderType_};
-  if (name == u"setrendertype") {
-    if (arguments.size() != 1) throw hostsdk::RuntimeError(u"setRenderType requires the name of a render type");
-    renderType_ = asText(arguments[0], u"setRenderType");
-    return hostkit::script::HostOk{};
-  }
-  return std::nullopt;
+  return TableObject::set(name, value) || settings_.set(name, value, ticksPerFrame());
 }
 
 std::vector<std::shared_ptr<hostkit::script::HostObject>> ScriptBindings::nodes() { return scriptNodes(core_); }

@@ -5,28 +5,24 @@
 #include <numbers>
 #include <string_view>
 
+#include "hostkit/bindings/table_object.h"
 #include "hostkit/services/text.h"
 #include "hostsdk/script_value.h"
-#include "standin/bindings/script_values.h"
-#include "standin/bindings/script_views.h"
+#include "standin/bindings/script_scene.h"
 #include "standin/scene/animation.h"
 
 namespace standin::bindings {
 namespace {
 
+using hostkit::bindings::Arguments;
+using hostkit::bindings::asBoolean;
+using hostkit::bindings::asFloat;
+using hostkit::bindings::asText;
+using hostkit::bindings::Function;
+using hostkit::bindings::Property;
 using hostkit::script::HostValue;
 
-class ScriptNode;
-using Getter = HostValue (*)(ScriptNode&);
-using Setter = void (*)(ScriptNode&, const HostValue&);
-struct Property {
-  const char16_t* name;  // lower case
-  Getter get;
-  Setter set;  // null: read-only
-  bool (*applies)(const scene::Node&);
-};
-
-class ScriptNode : public hostkit::script::HostObject {
+class ScriptNode : public hostkit::bindings::TableObject<ScriptNode> {
  public:
   ScriptNode(host::Core& core, int index) : core_(core), live_(&core.live()), index_(index) {}
 
@@ -59,13 +55,16 @@ class ScriptNode : public hostkit::script::HostObject {
   }
   const void* identity() const override { return valid() ? static_cast<const void*>(live_->node(index_)) : this; }
 
-  std::vector<std::u16string> propertyNames() const override;
-  std::optional<HostValue> get(std::u16string_view name) override;
-  bool set(std::u16string_view name, const HostValue& value) override;
-  std::optional<HostValue> call(std::u16string_view name, const std::vector<HostValue>& arguments,
+  static std::span<const Property<ScriptNode>> properties();
+  static std::span<const Function<ScriptNode>> functions();
+  // Its functions are reached through the global ones of their names alone, not as members.
+  std::vector<std::u16string> functionNames() const override { return {}; }
+  // A function that is called with another count of arguments is none of the node's.
+  std::optional<HostValue> call(std::u16string_view name, const Arguments& arguments,
                                 const hostkit::script::HostKeywords& keywords) override;
 
-  // For the properties.
+  // For the tables.
+  bool valid() const { return &core_.live() == live_; }
   host::Core& core() { return core_; }
   scene::Node& node() { return live_->description().nodes[static_cast<std::size_t>(index_)]; }
   const scene::Node& node() const { return live_->description().nodes[static_cast<std::size_t>(index_)]; }
@@ -89,9 +88,6 @@ class ScriptNode : public hostkit::script::HostObject {
   }
 
  private:
-  bool valid() const { return &core_.live() == live_; }
-  const Property* find(std::u16string_view name) const;
-
   host::Core& core_;
   host::LiveScene* live_;
   int index_;
@@ -147,28 +143,28 @@ HostValue nodeOrUndefined(host::Core& core, int index) {
   return index == scene::kNone ? HostValue{} : HostValue{scriptNode(core, index)};
 }
 
-HostValue children(ScriptNode& n) {
-  auto list = std::make_shared<hostkit::script::HostList>();
-  for (const int child : n.node().children) list->items.emplace_back(scriptNode(n.core(), child));
-  return list;
-}
+// What a property applies to. A node of a scene that was closed has none.
+bool any(const ScriptNode& n) { return n.valid(); }
+bool isCamera(const ScriptNode& n) { return n.valid() && n.node().camera != scene::kNone; }
+bool isLight(const ScriptNode& n) { return n.valid() && n.node().light != scene::kNone; }
 
-bool any(const scene::Node&) { return true; }
-bool isCamera(const scene::Node& node) { return node.camera != scene::kNone; }
-bool isLight(const scene::Node& node) { return node.light != scene::kNone; }
+scene::Vec3 pointOf(const HostValue& value, const char16_t* what) {
+  const hostkit::script::HostPoint3 point = hostkit::bindings::asPoint(value, what);
+  return {point.x, point.y, point.z};
+}
 
 HostValue getPosition(ScriptNode& n) {
   const scene::Vec3 at = n.position();
   return hostkit::script::HostPoint3{at.x, at.y, at.z};
 }
-void setPosition(ScriptNode& n, const HostValue& value) { n.setPosition(asPoint(value, u"position")); }
+void setPosition(ScriptNode& n, const HostValue& value) { n.setPosition(pointOf(value, u"position")); }
 
 HostValue getColor(ScriptNode& n) {
   const scene::Vec3 c = n.light().color;
   return hostkit::script::HostColor{c.x * 255, c.y * 255, c.z * 255, 255};
 }
 void setColor(ScriptNode& n, const HostValue& value) {
-  const hostkit::script::HostColor color = asColor(value, u"color");
+  const hostkit::script::HostColor color = hostkit::bindings::asColor(value, u"color");
   n.light().color = {color.r / 255, color.g / 255, color.b / 255};
 }
 HostValue getMultiplier(ScriptNode& n) { return n.light().intensity; }
@@ -184,7 +180,7 @@ HostValue getScale(ScriptNode& n) {
 }
 void setScale(ScriptNode& n, const HostValue& value) {
   n.settle(scene::Track::Path::scale);
-  n.node().scale = asPoint(value, u"scale");
+  n.node().scale = pointOf(value, u"scale");
 }
 HostValue getRotation(ScriptNode& n) {
   scene::Node now;
@@ -192,10 +188,9 @@ HostValue getRotation(ScriptNode& n) {
   return hostkit::script::HostQuat{now.rotation.x, now.rotation.y, now.rotation.z, now.rotation.w};
 }
 void setRotation(ScriptNode& n, const HostValue& value) {
-  const auto* q = std::get_if<hostkit::script::HostQuat>(&value);
-  if (!q) throw hostsdk::RuntimeError(u"rotation requires Quat");
+  const hostkit::script::HostQuat q = hostkit::bindings::asQuat(value, u"rotation");
   n.settle(scene::Track::Path::rotation);
-  n.node().rotation = {q->x, q->y, q->z, q->w};
+  n.node().rotation = {q.x, q.y, q.z, q.w};
 }
 HostValue getTransform(ScriptNode& n) {
   const auto m = n.world().m;
@@ -210,77 +205,59 @@ void setFov(ScriptNode& n, const HostValue& value) {
   n.camera().yfov = static_cast<float>(2 * std::atan(std::tan(radians(fov) / 2.0) / aspectOf(n)));
 }
 
-const std::array kProperties{
-    Property{u"name", [](ScriptNode& n) -> HostValue { return hostkit::services::toWide(n.node().name); },
-             [](ScriptNode& n, const HostValue& v) { n.node().name = hostkit::services::toUtf8(asText(v, u"name")); },
-             any},
-    Property{u"parent", [](ScriptNode& n) { return nodeOrUndefined(n.core(), n.node().parent); }, nullptr, any},
-    Property{u"children", children, nullptr, any},
-    Property{u"position", getPosition, setPosition, any},
-    Property{u"pos", getPosition, setPosition, any},
-    Property{u"rotation", getRotation, setRotation, any},
-    Property{u"scale", getScale, setScale, any},
-    Property{u"transform", getTransform, nullptr, any},
-    Property{u"ishidden", [](ScriptNode& n) -> HostValue { return !n.node().visible; },
-             [](ScriptNode& n, const HostValue& v) { n.node().visible = !asBoolean(v, u"isHidden"); }, any},
-    Property{u"isselected", [](ScriptNode& n) -> HostValue { return n.node().selected; },
-             [](ScriptNode& n, const HostValue& v) { n.node().selected = asBoolean(v, u"isSelected"); }, any},
-    Property{u"visibility", [](ScriptNode& n) -> HostValue { return n.node().visible; },
-             [](ScriptNode& n, const HostValue& v) { n.node().visible = asBoolean(v, u"visibility"); }, any},
-    Property{u"renderable", [](ScriptNode& n) -> HostValue { return n.node().visible; },
-             [](ScriptNode& n, const HostValue& v) { n.node().visible = asBoolean(v, u"renderable"); }, any},
-    Property{u"material", [](ScriptNode& n) { return scriptMaterialOf(n.core(), n.node()); }, nullptr, any},
-    Property{u"fov", getFov, setFov, isCamera},
-    Property{u"on", getLightOn, setLightOn, isLight},
-    Property{u"enabled", getLightOn, setLightOn, isLight},
-    Property{u"multiplier", getMultiplier, setMultiplier, isLight},
-    Property{u"intensity", getMultiplier, setMultiplier, isLight},
-    Property{u"color", getColor, setColor, isLight},
-    Property{u"rgb", getColor, setColor, isLight},
+// User properties, which the script language reads and writes through the global functions of these names.
+HostValue getUserProp(ScriptNode& n, const Arguments& arguments) {
+  const auto& properties = n.node().userProperties;
+  const auto found = properties.find(hostkit::services::toUtf8(asText(arguments[0], u"getUserProp")));
+  return found == properties.end() ? HostValue{} : hostkit::bindings::ofPlain(found->second);
+}
+HostValue setUserProp(ScriptNode& n, const Arguments& arguments) {
+  n.node().userProperties.insert_or_assign(hostkit::services::toUtf8(asText(arguments[0], u"setUserProp")),
+                                           hostkit::bindings::asPlain(arguments[1], u"setUserProp"));
+  return hostkit::script::HostOk{};
+}
+
+constexpr Property<ScriptNode> kProperties[] = {
+    {u"name", [](ScriptNode& n) -> HostValue { return hostkit::services::toWide(n.node().name); },
+     [](ScriptNode& n, const HostValue& v) { n.node().name = hostkit::services::toUtf8(asText(v, u"name")); }, any},
+    {u"parent", [](ScriptNode& n) { return nodeOrUndefined(n.core(), n.node().parent); }, nullptr, any},
+    {u"children", [](ScriptNode& n) { return scriptNodeList(n.core(), n.node().children); }, nullptr, any},
+    {u"position", getPosition, setPosition, any},
+    {u"pos", getPosition, setPosition, any},
+    {u"rotation", getRotation, setRotation, any},
+    {u"scale", getScale, setScale, any},
+    {u"transform", getTransform, nullptr, any},
+    {u"isHidden", [](ScriptNode& n) -> HostValue { return !n.node().visible; },
+     [](ScriptNode& n, const HostValue& v) { n.node().visible = !asBoolean(v, u"isHidden"); }, any},
+    {u"isSelected", [](ScriptNode& n) -> HostValue { return n.node().selected; },
+     [](ScriptNode& n, const HostValue& v) { n.node().selected = asBoolean(v, u"isSelected"); }, any},
+    {u"visibility", [](ScriptNode& n) -> HostValue { return n.node().visible; },
+     [](ScriptNode& n, const HostValue& v) { n.node().visible = asBoolean(v, u"visibility"); }, any},
+    {u"renderable", [](ScriptNode& n) -> HostValue { return n.node().visible; },
+     [](ScriptNode& n, const HostValue& v) { n.node().visible = asBoolean(v, u"renderable"); }, any},
+    {u"material", [](ScriptNode& n) { return scriptMaterialOf(n.core(), n.node()); }, nullptr, any},
+    {u"fov", getFov, setFov, isCamera},
+    {u"on", getLightOn, setLightOn, isLight},
+    {u"enabled", getLightOn, setLightOn, isLight},
+    {u"multiplier", getMultiplier, setMultiplier, isLight},
+    {u"intensity", getMultiplier, setMultiplier, isLight},
+    {u"color", getColor, setColor, isLight},
+    {u"rgb", getColor, setColor, isLight},
 };
 
-const Property* ScriptNode::find(std::u16string_view name) const {
-  if (!valid()) return nullptr;
-  for (const Property& property : kProperties)
-    if (name == property.name && property.applies(node())) return &property;
-  return nullptr;
-}
+constexpr Function<ScriptNode> kFunctions[] = {
+    {u"getUserProp", 1, getUserProp},
+    {u"setUserProp", 2, setUserProp},
+};
 
-std::vector<std::u16string> ScriptNode::propertyNames() const {
-  std::vector<std::u16string> names;
-  for (const Property& property : kProperties)
-    if (valid() && property.applies(node())) names.emplace_back(property.name);
-  return names;
-}
+std::span<const Property<ScriptNode>> ScriptNode::properties() { return kProperties; }
+std::span<const Function<ScriptNode>> ScriptNode::functions() { return kFunctions; }
 
-std::optional<HostValue> ScriptNode::get(std::u16string_view name) {
-  const Property* property = find(name);
-  if (!property) return std::nullopt;
-  return property->get(*this);
-}
-
-bool ScriptNode::set(std::u16string_view name, const HostValue& value) {
-  const Property* property = find(name);
-  if (!property || !property->set) return false;
-  property->set(*this, value);
-  return true;
-}
-
-// User properties: getUserProp and setUserProp of the script language.
-std::optional<HostValue> ScriptNode::call(std::u16string_view name, const std::vector<HostValue>& arguments,
-                                          const hostkit::script::HostKeywords&) {
-  if (!valid()) return std::nullopt;
-  auto& properties = node().userProperties;
-  if (name == u"getuserprop" && arguments.size() == 1) {
-    const auto found = properties.find(hostkit::services::toUtf8(asText(arguments[0], u"getUserProp")));
-    return found == properties.end() ? HostValue{} : ofPlain(found->second);
-  }
-  if (name == u"setuserprop" && arguments.size() == 2) {
-    properties.insert_or_assign(hostkit::services::toUtf8(asText(arguments[0], u"setUserProp")),
-                                asPlain(arguments[1], u"setUserProp"));
-    return hostkit::script::HostOk{};
-  }
-  return std::nullopt;
+std::optional<HostValue> ScriptNode::call(std::u16string_view name, const Arguments& arguments,
+                                          const hostkit::script::HostKeywords& keywords) {
+  const auto* function = hostkit::bindings::find(functions(), name);
+  if (!valid() || !function || arguments.size() != static_cast<std::size_t>(function->count)) return std::nullopt;
+  return TableObject::call(name, arguments, keywords);
 }
 
 }  // namespace
@@ -295,6 +272,12 @@ std::vector<std::shared_ptr<hostkit::script::HostObject>> scriptNodes(host::Core
   nodes.reserve(count);
   for (std::size_t i = 0; i < count; ++i) nodes.push_back(scriptNode(core, static_cast<int>(i)));
   return nodes;
+}
+
+HostValue scriptNodeList(host::Core& core, const std::vector<int>& indices) {
+  auto list = std::make_shared<hostkit::script::HostList>();
+  for (const int index : indices) list->items.emplace_back(scriptNode(core, index));
+  return list;
 }
 
 }  // namespace standin::bindings

@@ -17,5 +17,7 @@ namespace standin::bindings {
 // A node of a scene that has been replaced has no properties any more, but isValidNode's name.
 std::shared_ptr<hostkit::script::HostObject> scriptNode(host::Core& core, int index);
 std::vector<std::shared_ptr<hostkit::script::HostObject>> scriptNodes(host::Core& core);
+// An array of the nodes with these indices.
+hostkit::script::HostValue scriptNodeList(host::Core& core, const std::vector<int>& indices);
 
 }  // namespace standin::bindings

@@ -1,105 +1,91 @@
 #include "standin/bindings/script_render.h"
 
+#include <algorithm>
 #include <variant>
 
 #include "hostkit/services/text.h"
 #include "hostsdk/script_value.h"
-#include "platform/files.h"
-#include "standin/bindings/script_values.h"
+#include "standin/bindings/scene_object.h"
+#include "standin/bindings/script_node.h"
 
 namespace standin::bindings {
 namespace {
 
-using hostkit::script::HostKeywords;
-using hostkit::script::HostObject;
-using hostkit::script::HostValue;
-using Arguments = std::vector<HostValue>;
-
-const HostValue& argument(const Arguments& arguments, std::size_t index, const char16_t* function, std::size_t wanted) {
-  if (arguments.size() != wanted)
-    throw hostsdk::RuntimeError(std::u16string(u"Argument count error: ") + function + u" wanted " +
-                                hostkit::services::toWide(std::to_string(wanted)) + u", got " +
-                                hostkit::services::toWide(std::to_string(arguments.size())));
-  return arguments[index];
-}
+using hostkit::bindings::asBoolean;
+using hostkit::bindings::asInteger;
+using hostkit::bindings::asText;
+using hostkit::bindings::kAnyCount;
+using hostkit::services::toUtf8;
+using hostkit::services::toWide;
 
 // `samples` acts. Scripts that are written for other renderers may set what those have: it is kept and read back.
-class CurrentRenderer : public HostObject {
+class ActiveRenderer : public hostkit::bindings::TableObject<ActiveRenderer> {
  public:
-  explicit CurrentRenderer(host::Core& core) : core_(core) {}
+  explicit ActiveRenderer(host::Core& core) : core_(core) {}
   std::u16string className() const override {
-    const auto& renderer = core_.live().description().render.renderer;
-    const auto* name = std::get_if<std::string>(&renderer);
+    const auto* name = std::get_if<std::string>(&settings().renderer);
     if (!name) return u"Renderer";
-    return *name == "default" ? u"Default_Scanline_Renderer" : u"Renderer_" + hostkit::services::toWide(*name);
+    return *name == "default" ? u"Default_Scanline_Renderer" : u"Renderer_" + toWide(*name);
   }
   std::u16string superClassName() const override { return u"RendererClass"; }
   std::u16string printed() const override { return className() + u":" + className(); }
   const void* identity() const override { return &core_; }
-  std::vector<std::u16string> propertyNames() const override { return {u"samples"}; }
+
+  static std::span<const Property<ActiveRenderer>> properties() {
+    static constexpr Property<ActiveRenderer> kTable[] = {
+        {u"samples", [](ActiveRenderer& r) -> HostValue { return r.settings().samples; },
+         [](ActiveRenderer& r, const HostValue& v) { r.settings().samples = asInteger(v, u"samples", 1, 65536); }},
+    };
+    return kTable;
+  }
   std::optional<HostValue> get(std::u16string_view name) override {
-    if (name == u"samples") return core_.live().description().render.samples;
-    const auto& others = core_.live().description().render.otherSettings;
-    const auto found = others.find(hostkit::services::toUtf8(name));
-    if (found == others.end()) return std::nullopt;
-    return ofPlain(found->second);
+    if (auto value = TableObject::get(name)) return value;
+    const auto found = settings().otherSettings.find(toUtf8(name));
+    if (found == settings().otherSettings.end()) return std::nullopt;
+    return hostkit::bindings::ofPlain(found->second);
   }
   bool set(std::u16string_view name, const HostValue& value) override {
-    if (name != u"samples") {
-      core_.live().description().render.otherSettings.insert_or_assign(hostkit::services::toUtf8(name),
-                                                                       asPlain(value, u"A renderer setting"));
-      return true;
-    }
-    const std::int32_t samples = asInteger(value, u"samples");
-    if (samples < 1 || samples > 65536) throw hostsdk::RuntimeError(u"samples requires an Integer from 1 to 65536");
-    core_.live().description().render.samples = samples;
+    if (!TableObject::set(name, value))
+      settings().otherSettings.insert_or_assign(toUtf8(name), hostkit::bindings::asPlain(value, u"A renderer setting"));
     return true;
   }
 
  private:
+  scene::RenderSettings& settings() const { return core_.live().description().render; }
   host::Core& core_;
 };
 
-class Renderers : public HostObject {
+class Renderers : public SceneObject<Renderers> {
  public:
-  explicit Renderers(host::Core& core) : core_(core) {}
-  std::u16string className() const override { return u"Renderers"; }
-  std::u16string printed() const override { return u"<Renderers>"; }
-  const void* identity() const override { return &core_; }
-  std::vector<std::u16string> propertyNames() const override {
-    return {u"current", u"production", u"medit", u"activeShade"};
-  }
-  std::optional<HostValue> get(std::u16string_view name) override {
-    // One renderer does everything here.
-    if (name != u"current" && name != u"production" && name != u"medit" && name != u"activeshade") return std::nullopt;
-    return std::make_shared<CurrentRenderer>(core_);
-  }
+  using SceneObject::SceneObject;
+  static constexpr const char16_t* kClassName = u"Renderers";
+  static constexpr const char16_t* kPrinted = u"<Renderers>";
 
- private:
-  host::Core& core_;
+  // One renderer does everything here.
+  static std::span<const Property<Renderers>> properties() {
+    constexpr auto active = [](Renderers& r) -> HostValue { return std::make_shared<ActiveRenderer>(r.core()); };
+    static constexpr Property<Renderers> kTable[] = {
+        {u"current", active}, {u"production", active}, {u"medit", active}, {u"activeShade", active}};
+    return kTable;
+  }
 };
 
-class Element : public HostObject {
+class Element : public hostkit::bindings::TableObject<Element> {
  public:
   Element(host::Core& core, int index) : core_(core), live_(&core.live()), index_(static_cast<std::size_t>(index)) {}
   std::u16string className() const override { return u"RenderElement"; }
   std::u16string superClassName() const override { return u"RenderElement"; }
-  std::u16string printed() const override { return u"RenderElement:" + hostkit::services::toWide(settings().name); }
+  std::u16string printed() const override { return u"RenderElement:" + toWide(settings().name); }
   const void* identity() const override { return &settings(); }
-  std::vector<std::u16string> propertyNames() const override { return {u"elementName", u"enabled"}; }
-  std::optional<HostValue> get(std::u16string_view name) override {
-    if (name == u"elementname") return hostkit::services::toWide(settings().name);
-    if (name == u"enabled") return settings().enabled;
-    return std::nullopt;
-  }
-  bool set(std::u16string_view name, const HostValue& value) override {
-    if (name == u"elementname")
-      settings().name = hostkit::services::toUtf8(asText(value, u"elementName"));
-    else if (name == u"enabled")
-      settings().enabled = asBoolean(value, u"enabled");
-    else
-      return false;
-    return true;
+
+  static std::span<const Property<Element>> properties() {
+    static constexpr Property<Element> kTable[] = {
+        {u"elementName", [](Element& e) -> HostValue { return toWide(e.settings().name); },
+         [](Element& e, const HostValue& v) { e.settings().name = toUtf8(asText(v, u"elementName")); }},
+        {u"enabled", [](Element& e) -> HostValue { return e.settings().enabled; },
+         [](Element& e, const HostValue& v) { e.settings().enabled = asBoolean(v, u"enabled"); }},
+    };
+    return kTable;
   }
 
  private:
@@ -112,68 +98,143 @@ class Element : public HostObject {
   std::size_t index_;
 };
 
-class ElementManager : public HostObject {
+class ElementManager : public SceneObject<ElementManager> {
  public:
-  explicit ElementManager(host::Core& core) : core_(core) {}
-  std::u16string className() const override { return u"RenderElementMgr"; }
-  std::u16string printed() const override { return u"<RenderElementMgr>"; }
-  const void* identity() const override { return &core_; }
-  std::vector<std::u16string> functionNames() const override {
-    return {u"NumRenderElements",        u"GetRenderElement",  u"GetRenderElementFilename",
-            u"SetRenderElementFilename", u"GetElementsActive", u"SetElementsActive"};
-  }
-  std::optional<HostValue> get(std::u16string_view) override { return std::nullopt; }
-  std::optional<HostValue> call(std::u16string_view name, const Arguments& arguments, const HostKeywords&) override {
-    if (name == u"numrenderelements") return static_cast<std::int32_t>(core_.live().NumRenderElements());
-    if (name == u"getrenderelement")
-      return std::make_shared<Element>(core_, index(argument(arguments, 0, u"GetRenderElement", 1)));
-    if (name == u"getrenderelementfilename")
-      return core_.live().elementOutput(index(argument(arguments, 0, u"GetRenderElementFilename", 1))).info.Name();
-    if (name == u"setrenderelementfilename") {
-      const int i = index(argument(arguments, 0, u"SetRenderElementFilename", 2));
-      core_.live().elementOutput(i).info.SetName(asText(arguments[1], u"SetRenderElementFilename"));
-      return true;
-    }
-    if (name == u"getelementsactive") return core_.live().ElementsActive();
-    if (name == u"setelementsactive") {
-      core_.live().description().render.elementsActive =
-          asBoolean(argument(arguments, 0, u"SetElementsActive", 1), u"SetElementsActive");
-      return hostkit::script::HostOk{};
-    }
-    return std::nullopt;
+  using SceneObject::SceneObject;
+  static constexpr const char16_t* kClassName = u"RenderElementMgr";
+  static constexpr const char16_t* kPrinted = u"<RenderElementMgr>";
+
+  static std::span<const Function<ElementManager>> functions() {
+    using E = ElementManager;
+    static constexpr Function<E> kTable[] = {
+        {u"NumRenderElements", kAnyCount,
+         [](E& e, const Arguments&) -> HostValue { return e.core().live().NumRenderElements(); }},
+        {u"GetRenderElement", 1,
+         [](E& e, const Arguments& a) -> HostValue { return std::make_shared<Element>(e.core(), e.index(a[0])); }},
+        {u"GetRenderElementFilename", 1,
+         [](E& e, const Arguments& a) -> HostValue { return e.output(a[0]).info.Name(); }},
+        {u"SetRenderElementFilename", 2,
+         [](E& e, const Arguments& a) -> HostValue {
+           e.output(a[0]).info.SetName(asText(a[1], u"SetRenderElementFilename"));
+           return true;
+         }},
+        {u"GetElementsActive", kAnyCount,
+         [](E& e, const Arguments&) -> HostValue { return e.core().live().ElementsActive(); }},
+        {u"SetElementsActive", 1,
+         [](E& e, const Arguments& a) -> HostValue {
+           e.scene().render.elementsActive = asBoolean(a[0], u"SetElementsActive");
+           return HostOk{};
+         }},
+    };
+    return kTable;
   }
 
  private:
   int index(const HostValue& value) const {
     const std::int32_t i = asInteger(value, u"Render element index");
-    if (i < 0 || i >= core_.live().NumRenderElements())
-      throw hostsdk::RuntimeError(u"Render element index is out of range: " +
-                                  hostkit::services::toWide(std::to_string(i)));
+    if (i < 0 || i >= core().live().NumRenderElements()) hostkit::bindings::refuseIndex(u"Render element index", i);
     return i;
   }
-  host::Core& core_;
+  hostsdk::ElementOutput& output(const HostValue& number) const { return core().live().elementOutput(index(number)); }
 };
 
-class MaxOps : public HostObject {
+class MaxOps : public SceneObject<MaxOps> {
  public:
-  explicit MaxOps(host::Core& core) : core_(core) {}
-  std::u16string className() const override { return u"MaxOps"; }
-  std::u16string printed() const override { return u"<Interface:maxOps>"; }
-  const void* identity() const override { return &core_; }
-  std::vector<std::u16string> functionNames() const override { return {u"GetCurRenderElementMgr"}; }
-  std::optional<HostValue> get(std::u16string_view) override { return std::nullopt; }
-  std::optional<HostValue> call(std::u16string_view name, const Arguments&, const HostKeywords&) override {
-    if (name != u"getcurrenderelementmgr") return std::nullopt;
-    return std::make_shared<ElementManager>(core_);
+  using SceneObject::SceneObject;
+  static constexpr const char16_t* kClassName = u"MaxOps";
+  static constexpr const char16_t* kPrinted = u"<Interface:maxOps>";
+
+  static std::span<const Function<MaxOps>> functions() {
+    static constexpr Function<MaxOps> kTable[] = {
+        {u"GetCurRenderElementMgr", kAnyCount,
+         [](MaxOps& m, const Arguments&) -> HostValue { return std::make_shared<ElementManager>(m.core()); }},
+    };
+    return kTable;
+  }
+};
+
+class Viewports : public SceneObject<Viewports> {
+ public:
+  using SceneObject::SceneObject;
+  static constexpr const char16_t* kClassName = u"Viewport";
+  static constexpr const char16_t* kPrinted = u"<struct:viewport>";
+
+  static std::span<const Property<Viewports>> properties() {
+    static constexpr Property<Viewports> kTable[] = {
+        {u"numViews", [](Viewports& v) -> HostValue { return v.count(); }},
+        {u"activeViewport", [](Viewports& v) -> HostValue { return v.scene().activeViewport + 1; },
+         [](Viewports& v, const HostValue& value) { v.activate(asInteger(value, u"activeViewport")); }},
+    };
+    return kTable;
+  }
+  static std::span<const Function<Viewports>> functions() {
+    constexpr auto accept = [](Viewports&, const Arguments&) -> HostValue { return true; };
+    static constexpr Function<Viewports> kTable[] = {
+        {u"getCamera", kAnyCount, [](Viewports& v, const Arguments&) { return v.cameraNode(); }},
+        {u"setCamera", kAnyCount, [](Viewports& v, const Arguments& a) { return v.setCamera(a); }},
+        {u"getType", kAnyCount,
+         [](Viewports& v, const Arguments&) -> HostValue {
+           return hostkit::script::HostName{v.active().camera.empty() ? u"view_persp_user" : u"view_camera"};
+         }},
+        {u"setType", kAnyCount, accept},
+        {u"setLayout", kAnyCount, accept},
+        {u"resetAllViews", kAnyCount, accept},
+    };
+    return kTable;
   }
 
  private:
-  host::Core& core_;
+  std::int32_t count() const { return static_cast<std::int32_t>(scene().viewports.size()); }
+  scene::ViewportSettings& active() const {
+    return scene().viewports[static_cast<std::size_t>(scene().activeViewport)];
+  }
+  void activate(std::int32_t number) {
+    if (number < 1 || number > count()) hostkit::bindings::refuseIndex(u"Viewport index", number);
+    scene().activeViewport = number - 1;
+  }
+  HostValue cameraNode() const {
+    const auto& nodes = scene().nodes;
+    const auto found = std::find_if(nodes.begin(), nodes.end(), [&](const scene::Node& node) {
+      return node.camera != scene::kNone && node.name == active().camera;
+    });
+    if (found == nodes.end()) return {};
+    return scriptNode(core(), static_cast<int>(found - nodes.begin()));
+  }
+  HostValue setCamera(const Arguments& arguments) {
+    const auto* node = arguments.size() == 1 ? std::get_if<std::shared_ptr<HostObject>>(&arguments[0]) : nullptr;
+    if (!node || (*node)->superClassName() != u"camera")
+      throw hostsdk::RuntimeError(u"viewport.setCamera requires a camera");
+    active().camera = toUtf8(asText((*node)->get(u"name").value_or(HostValue{}), u"name"));
+    return true;
+  }
+};
+
+class RenderDialog : public SceneObject<RenderDialog> {
+ public:
+  using SceneObject::SceneObject;
+  static constexpr const char16_t* kClassName = u"RenderSceneDialog";
+  static constexpr const char16_t* kPrinted = u"<struct:renderSceneDialog>";
+  const void* identity() const override { return this; }
+
+  static std::span<const Function<RenderDialog>> functions() {
+    constexpr auto nothing = [](RenderDialog&, const Arguments&) -> HostValue { return HostOk{}; };
+    static constexpr Function<RenderDialog> kTable[] = {
+        {u"open", kAnyCount, nothing},
+        {u"close", kAnyCount, nothing},
+        {u"update", kAnyCount, nothing},
+        {u"commit", kAnyCount, nothing},
+        {u"cancel", kAnyCount, nothing},
+        {u"isOpen", kAnyCount, [](RenderDialog&, const Arguments&) -> HostValue { return false; }},
+    };
+    return kTable;
+  }
 };
 
 }  // namespace
 
 std::shared_ptr<HostObject> scriptRenderers(host::Core& core) { return std::make_shared<Renderers>(core); }
 std::shared_ptr<HostObject> scriptMaxOps(host::Core& core) { return std::make_shared<MaxOps>(core); }
+std::shared_ptr<HostObject> scriptViewports(host::Core& core) { return std::make_shared<Viewports>(core); }
+std::shared_ptr<HostObject> scriptRenderDialog(host::Core& core) { return std::make_shared<RenderDialog>(core); }
 
 }  // namespace standin::bindings

@@ -1,4 +1,4 @@
-// The renderer and the render elements as scripts see them.
+// What scripts see of rendering: the renderer, the render elements, the views that are rendered, the render dialog.
 #pragma once
 
 #include <memory>
@@ -14,5 +14,10 @@ std::shared_ptr<hostkit::script::HostObject> scriptRenderers(host::Core& core);
 // GetRenderElementFilename, SetRenderElementFilename, GetElementsActive, SetElementsActive. Elements have elementName
 // and enabled.
 std::shared_ptr<hostkit::script::HostObject> scriptMaxOps(host::Core& core);
+// `viewport`: numViews, activeViewport (from 1, settable), getCamera(), setCamera node, getType(), setType, setLayout
+// and resetAllViews (accepted). They speak of the active viewport, which jobs render when they name no camera.
+std::shared_ptr<hostkit::script::HostObject> scriptViewports(host::Core& core);
+// `renderSceneDialog`: open(), close(), update(), commit() and cancel() do nothing; isOpen() is false.
+std::shared_ptr<hostkit::script::HostObject> scriptRenderDialog(host::Core& core);
 
 }  // namespace standin::bindings

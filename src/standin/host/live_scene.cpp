@@ -5,7 +5,7 @@
 
 #include "hostkit/services/text.h"
 #include "platform/files.h"
-#include "standin/host/camera_view.h"
+#include "standin/host/cameras.h"
 
 namespace standin::host {
 namespace {

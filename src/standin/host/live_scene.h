@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hostsdk/core_interface.h"
-#include "standin/host/multipass_effects.h"
+#include "standin/host/cameras.h"
 #include "standin/scene/description.h"
 
 namespace standin::host {

@@ -8,10 +8,15 @@
 #include <variant>
 #include <vector>
 
+#include "hostkit/services/renderer_classes.h"
 #include "hostkit/services/text.h"
-#include "standin/host/camera_view.h"
+#include "standin/host/cameras.h"
 
 namespace standin::host {
+using hostkit::services::kRendererA;
+using hostkit::services::kRendererB;
+using hostkit::services::kRendererC;
+
 namespace {
 
 // The part of the image that a bitmap shows, and the pixels of it that are rendered.

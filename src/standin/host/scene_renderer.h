@@ -24,11 +24,8 @@ class SceneRenderer : public hostsdk::Renderer {
   std::vector<int> requirements_;
 };
 
-// Class identifiers of the renderers "A", "B" and "C" of the scene settings; "default" is the stand-in's own.
+// The stand-in's own renderer, "default" in scene settings; "A", "B" and "C" are those of hostkit/services.
 inline constexpr hostsdk::Class_ID kRendererDefault{0x1c5a7e20, 0x3b94d6f1};
-inline constexpr hostsdk::Class_ID kRendererA{0x52ad1c02, 0x112d2fbc};
-inline constexpr hostsdk::Class_ID kRendererB{0x73bab286, 0x77f8fd0c};
-inline constexpr hostsdk::Class_ID kRendererC{0x58f67d6c, 0x4fcf3bc3};
 
 // The renderer while it is open.
 class OpenRenderer {

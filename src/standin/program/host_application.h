@@ -1,20 +1,13 @@
 // The stand-in host as a whole: everything a plug-in may ask for, and the scripts that drive it.
 #pragma once
 
-#include <memory>
-#include <string>
-
-#include "hostkit/image/bitmap_manager.h"
-#include "hostkit/image/image_io.h"
-#include "hostkit/script/engine/engine.h"
-#include "hostkit/services/path_configuration.h"
-#include "hostkit/services/plugin_library.h"
-#include "hostkit/services/system_log.h"
-#include "hostsdk/services.h"
+#include "hostkit/application/application.h"
 #include "standin/bindings/script_bindings.h"
 #include "standin/host/core.h"
 
 namespace standin::program {
+
+inline constexpr const char* kProgramName = "standin-host";
 
 class HostApplication {
  public:
@@ -25,23 +18,15 @@ class HostApplication {
   HostApplication& operator=(const HostApplication&) = delete;
 
   // std::runtime_error as PluginLibrary tells.
-  void loadPlugin(const std::string& nativePath);
+  void loadPlugin(const std::string& nativePath) { application_.loadPlugin(nativePath); }
 
-  hostkit::script::Engine& scripts() { return *scripts_; }
+  hostkit::script::Engine& scripts() { return application_.scripts(); }
   host::Core& core() { return core_; }
-  hostkit::image::ImageBitmapManager& bitmaps() { return bitmaps_; }
 
  private:
-  hostkit::services::SystemLog log_;
-  hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageIo imageIo_;
-  hostkit::image::ImageBitmapManager bitmaps_;
-  hostkit::services::PathConfiguration paths_;
+  hostkit::application::Application application_;
   host::Core core_;
   bindings::ScriptBindings bindings_;
-  std::unique_ptr<hostkit::script::Engine> scripts_;
-  hostsdk::HostServices previous_;
-  std::unique_ptr<hostkit::services::PluginLibrary> plugin_;
 };
 
 }  // namespace standin::program

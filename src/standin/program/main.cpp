@@ -15,6 +15,7 @@ namespace {
 using hostkit::services::toUtf8;
 using hostkit::services::toWide;
 using standin::program::HostApplication;
+using standin::program::kProgramName;
 
 enum ExitCode { kSuccess = 0, kScriptFailed = 1, kUsage = 2 };
 
@@ -39,7 +40,7 @@ int run(const Arguments& arguments, bool hasText) {
   try {
     host.loadPlugin(arguments.plugin.empty() ? hostkit::services::PluginLibrary::defaultPath() : arguments.plugin);
   } catch (const std::exception& e) {
-    fmt::print(stderr, "standin-host: {}\n", e.what());
+    fmt::print(stderr, "{}: {}\n", kProgramName, e.what());
     return kUsage;
   }
   const auto result = hasText ? host.scripts().runText(toWide(arguments.text))
@@ -56,7 +57,7 @@ int run(const Arguments& arguments, bool hasText) {
 int main(int argc, char** argv) {
   Arguments arguments;
   CLI::App app{"A headless host for the Corvantis plug-in: opens glTF scenes, ray-traces images and runs MAXScript.",
-               "standin-host"};
+               kProgramName};
   app.add_option("--plugin", arguments.plugin, "Plug-in library to load (default: the one beside this program)")
       ->check(CLI::ExistingFile);
   auto* text = app.add_option("--execute", arguments.text, "Script text to run instead of a file");
@@ -78,7 +79,7 @@ int main(int argc, char** argv) {
   try {
     return *files ? check(arguments.toCheck) : run(arguments, static_cast<bool>(*text));
   } catch (const std::exception& e) {
-    fmt::print(stderr, "standin-host: {}\n", e.what());
+    fmt::print(stderr, "{}: {}\n", kProgramName, e.what());
     return kScriptFailed;
   }
 }

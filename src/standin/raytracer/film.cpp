@@ -25,12 +25,12 @@ void PixelSum::add(const SampleResult& sample) {
   covered_ = true;
 }
 
-Vec4 PixelSum::element(scene::ElementType type, int samples, float exposure) const {
+Vec4 PixelSum::element(scene::ElementType type, int samples) const {
   const float share = 1 / static_cast<float>(samples);
   const float alpha = std::min(1.0F, coverage_ * share);
   switch (type) {
     case scene::ElementType::beauty:
-      return withAlpha(beauty_ * (share * exposure), alpha);
+      return withAlpha(beauty_ * share, alpha);
     case scene::ElementType::alpha:
       return withAlpha({alpha, alpha, alpha}, alpha);
     case scene::ElementType::depth:
@@ -46,9 +46,9 @@ Vec4 PixelSum::element(scene::ElementType type, int samples, float exposure) con
       return withAlpha({id, id, id}, alpha);
     }
     case scene::ElementType::directLight:
-      return withAlpha(directLight_ * (share * exposure), alpha);
+      return withAlpha(directLight_ * share, alpha);
     case scene::ElementType::emission:
-      return withAlpha(emission_ * (share * exposure), alpha);
+      return withAlpha(emission_ * share, alpha);
   }
   return {};
 }

@@ -12,7 +12,7 @@ class PixelSum {
 
   // The element's value as Output describes it, for a pixel of `samples` samples. Never a value that is no finite
   // number.
-  Vec4 element(scene::ElementType type, int samples, float exposure) const;
+  Vec4 element(scene::ElementType type, int samples) const;
 
  private:
   float coverage_ = 0;

@@ -19,9 +19,9 @@ namespace {
 constexpr float kSkyAlone = 1.0F, kSkyBesideLights = 0.35F;
 constexpr float kSkyReach = 0.25F;  // of the scene's radius
 
-int threadsFor(const RendererOptions& options) {
+int threadsFor(int wanted) {
   const int available = tbb::info::default_concurrency();
-  return options.threads > 0 ? std::min(options.threads, available) : available;
+  return wanted > 0 ? std::min(wanted, available) : available;
 }
 
 Region regionOf(const FrameRequest& request) {
@@ -46,7 +46,6 @@ void checkRequest(const FrameRequest& request, const Region& region) {
 // All that the threads of one frame share.
 struct FrameJob {
   FrameRequest request;
-  float exposure;
   MaterialTable materials;
   FrameWorld world;
   std::vector<Region> buckets;
@@ -54,9 +53,8 @@ struct FrameJob {
   RayCounts rays;
 
   FrameJob(const scene::Scene& scene, const EmbreeScene& geometry, const ImageStore& images, const FrameRequest& asked,
-           const std::vector<Transform>& worldTransforms, const RendererOptions& options, float skyReach)
+           const std::vector<Transform>& worldTransforms, float skyReach)
       : request(asked),
-        exposure(options.exposure),
         materials(scene.materials, images),
         world{geometry,
               SurfaceReader(scene, geometry, materials),
@@ -66,7 +64,7 @@ struct FrameJob {
               asked.samples,
               skyReach} {
     const double raysPerSample = 4 + 1.5 * static_cast<double>(world.lights.size());
-    buckets = makeBuckets(regionOf(asked), bucketSize(raysPerSample * asked.samples), options.bucketOrder);
+    buckets = makeBuckets(regionOf(asked), bucketSize(raysPerSample * asked.samples));
   }
 
   void renderBucket(const Region& bucket) {
@@ -91,7 +89,7 @@ struct FrameJob {
       sum.add(integrator.trace(sampler, i, static_cast<float>(x) + offset.x, static_cast<float>(y) + offset.y));
     }
     for (const Output& output : request.outputs) {
-      store(output, x, y, sum.element(output.element, request.samples, exposure));
+      store(output, x, y, sum.element(output.element, request.samples));
     }
   }
 };
@@ -100,13 +98,8 @@ struct FrameJob {
 
 class Renderer::Implementation {
  public:
-  Implementation(const scene::Scene& scene, const RendererOptions& options)
-      : scene_(scene),
-        options_(options),
-        threads_(threadsFor(options)),
-        arena_(threads_, 1),
-        images_(scene.images),
-        geometry_(scene) {
+  Implementation(const scene::Scene& scene, int threads)
+      : scene_(scene), threads_(threadsFor(threads)), arena_(threads_, 1), images_(scene.images), geometry_(scene) {
     // Measured once, at the scene's first frame, so that every frame of the animation has the same shades.
     geometry_.place(scene, scene::worldTransforms(scene, scene.firstFrame * static_cast<double>(ticksPerFrame(scene))));
     skyReach_ = kSkyReach * geometry_.radius();
@@ -119,7 +112,7 @@ class Renderer::Implementation {
     const std::vector<Transform> transforms = scene::worldTransforms(scene_, request.ticks);
     enter(Phase::building, callbacks);
     geometry_.place(scene_, transforms);
-    job_ = std::make_unique<FrameJob>(scene_, geometry_, images_, request, transforms, options_, skyReach_);
+    job_ = std::make_unique<FrameJob>(scene_, geometry_, images_, request, transforms, skyReach_);
     enter(Phase::rendering, callbacks);
     const bool complete = work(callbacks);
     count(*job_);
@@ -163,7 +156,6 @@ class Renderer::Implementation {
   }
 
   const scene::Scene& scene_;
-  const RendererOptions options_;
   const int threads_;
   tbb::task_arena arena_;
   ImageStore images_;
@@ -174,8 +166,8 @@ class Renderer::Implementation {
   FrameStatistics statistics_;
 };
 
-Renderer::Renderer(const scene::Scene& scene, const RendererOptions& options)
-    : implementation_(std::make_unique<Implementation>(scene, options)) {}
+Renderer::Renderer(const scene::Scene& scene, int threads)
+    : implementation_(std::make_unique<Implementation>(scene, threads)) {}
 
 Renderer::~Renderer() = default;
 

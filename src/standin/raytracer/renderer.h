@@ -14,15 +14,6 @@
 
 namespace standin::raytracer {
 
-// The order in which the squares of an image are rendered.
-enum class BucketOrder { rows, fromCentre };
-
-struct RendererOptions {
-  int threads = 0;  // at most as many as the machine runs at once; 0: as many
-  BucketOrder bucketOrder = BucketOrder::rows;
-  float exposure = 1;  // multiplies beauty, directLight and emission
-};
-
 // Of the last frame.
 struct FrameStatistics {
   int lights = 0, objects = 0, faces = 0;  // visible ones; an object is a placed mesh
@@ -31,9 +22,10 @@ struct FrameStatistics {
 
 class Renderer {
  public:
-  // Keeps a reference to `scene`, whose meshes and images must not change while the renderer lives. Throws
-  // std::runtime_error "Ray tracer: " + the library's text when it cannot be set up.
-  explicit Renderer(const scene::Scene& scene, const RendererOptions& options = {});
+  // Keeps a reference to `scene`, whose meshes and images must not change while the renderer lives. Works on `threads`
+  // threads, at most as many as the machine runs at once; 0: as many. Throws std::runtime_error "Ray tracer: " + the
+  // library's text when it cannot be set up.
+  explicit Renderer(const scene::Scene& scene, int threads = 0);
   ~Renderer();
   Renderer(const Renderer&) = delete;
   Renderer& operator=(const Renderer&) = delete;

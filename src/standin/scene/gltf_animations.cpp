@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "standin/scene/gltf_accessors.h"
-#include "standin/scene/gltf_nodes.h"
+#include "standin/scene/gltf_parts.h"
 #include "standin/scene/gltf_rules.h"
 #include "standin/scene/scene_error.h"
 

@@ -1,4 +1,4 @@
-#include "standin/scene/gltf_materials.h"
+#include "standin/scene/gltf_parts.h"
 
 #include <algorithm>
 #include <map>

@@ -1,4 +1,4 @@
-#include "standin/scene/gltf_meshes.h"
+#include "standin/scene/gltf_parts.h"
 
 #include <algorithm>
 #include <numeric>

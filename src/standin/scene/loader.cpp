@@ -5,9 +5,7 @@
 
 #include "standin/scene/file_search.h"
 #include "standin/scene/gltf_document.h"
-#include "standin/scene/gltf_materials.h"
-#include "standin/scene/gltf_meshes.h"
-#include "standin/scene/gltf_nodes.h"
+#include "standin/scene/gltf_parts.h"
 #include "standin/scene/merge.h"
 #include "standin/scene/settings.h"
 

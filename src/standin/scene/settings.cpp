@@ -19,23 +19,9 @@ using nlohmann::json;
 constexpr int kLastFrame = 400000;
 constexpr int kMostViewports = 16;
 
-struct ElementName {
-  const char* name;
-  ElementType type;
-};
-constexpr ElementName kElementNames[] = {
-    {"beauty", ElementType::beauty},
-    {"alpha", ElementType::alpha},
-    {"depth", ElementType::depth},
-    {"normal", ElementType::normal},
-    {"albedo", ElementType::albedo},
-    {"position", ElementType::position},
-    {"objectId", ElementType::objectId},
-    {"object id", ElementType::objectId},
-    {"directLight", ElementType::directLight},
-    {"direct light", ElementType::directLight},
-    {"emission", ElementType::emission},
-};
+constexpr std::array<const char*, 4> kRendererNames{"default", "A", "B", "C"};
+
+std::string quoted(const std::string& name) { return "\"" + name + "\""; }
 
 // The "standin" value of an object's extras, or null.
 const json* standinOf(const json& object) {
@@ -51,17 +37,19 @@ void readFileName(SettingsReader& reader, const std::string& folder, std::string
 }
 
 void readRenderer(SettingsReader& reader, RenderSettings& render) {
-  constexpr std::array<const char*, 4> kNames{"default", "A", "B", "C"};
   const json* value = reader.find("renderer");
   if (value == nullptr) return;
-  if (value->is_string() && std::find(kNames.begin(), kNames.end(), value->get<std::string>()) != kNames.end()) {
+  if (value->is_string() &&
+      std::find(kRendererNames.begin(), kRendererNames.end(), value->get<std::string>()) != kRendererNames.end()) {
     render.renderer = value->get<std::string>();
   } else if (value->is_array()) {
     ClassIdPair id;
     reader.readClassId("renderer", id);
     render.renderer = id;
   } else {
-    reader.fail("renderer", "\"default\", \"A\", \"B\", \"C\" or a list of 2 integers");
+    std::string expected;
+    for (const char* name : kRendererNames) expected += (expected.empty() ? "" : ", ") + quoted(name);
+    reader.fail("renderer", expected + " or a list of 2 integers");
   }
 }
 
@@ -78,17 +66,20 @@ void readRender(SettingsReader& reader, const std::string& folder, RenderSetting
   reader.read("elementsActive", render.elementsActive);
 }
 
+ElementType readElementType(SettingsReader& reader, const std::string& type) {
+  std::string expected;
+  for (const ElementTypeName& known : kElementTypeNames) {
+    if (type == known.name || type == known.inWords) return known.type;
+    expected += (expected.empty() ? "one of " : ", ") + quoted(known.name);
+  }
+  reader.fail("type", expected);
+}
+
 ElementSettings readElement(SettingsReader& reader, const std::string& folder) {
   std::string type;
   reader.read("type", type);
-  const auto isNamed = [&type](const ElementName& known) { return type == known.name; };
-  const auto known = std::find_if(std::begin(kElementNames), std::end(kElementNames), isNamed);
-  if (known == std::end(kElementNames))
-    reader.fail("type",
-                "one of \"beauty\", \"alpha\", \"depth\", \"normal\", \"albedo\", \"position\", \"objectId\", "
-                "\"directLight\", \"emission\"");
   ElementSettings element;
-  element.type = known->type;
+  element.type = readElementType(reader, type);
   element.name = type;
   reader.read("name", element.name);
   reader.read("enabled", element.enabled);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -24,9 +25,9 @@ struct Release {
 using BitmapOwner = std::unique_ptr<hostsdk::Bitmap, Release>;
 
 // One module for all cases: loading it takes half a second.
-ImageIo& sharedIo() {
-  static ImageIo io(support::programFolder() + "/libimage_codec.so");
-  return io;
+ImageCodecLibrary& sharedCodecs() {
+  static ImageCodecLibrary codecs(support::programFolder() + "/libimage_codec.so");
+  return codecs;
 }
 
 class BitmapFiles : public testing::Test {
@@ -62,7 +63,8 @@ class BitmapFiles : public testing::Test {
   support::TemporaryFolder folder_;
   hostkit::services::GammaManager gamma_;
   std::vector<std::string> log_;
-  ImageBitmapManager manager_{sharedIo(), gamma_, [this](const std::string& line) { log_.push_back(line); }};
+  ImageBitmapManager manager_{sharedCodecs(), gamma_, "test",
+                              [this](const std::string& line) { log_.push_back(line); }};
 };
 
 TEST_F(BitmapFiles, EveryFormatHoldsWhatItPromises) {
@@ -93,7 +95,7 @@ TEST_F(BitmapFiles, EveryFormatHoldsWhatItPromises) {
     for (int y = 0; y < 8; ++y)
       for (int x = 0; x < 16; ++x) bitmap->Storage()->PutLinearPixels(x, y, 1, &pixel);
     ASSERT_EQ(save(*bitmap, described(c.name)), OutputResult::success) << testing::PrintToString(log_);
-    const DecodedImage image = sharedIo().decode(folder_.path(c.name));
+    const DecodedImage image = sharedCodecs().decode(folder_.path(c.name));
     EXPECT_EQ(image.width, 16);
     EXPECT_EQ(image.height, 8);
     EXPECT_EQ(image.sampleType, c.holds);
@@ -104,6 +106,11 @@ TEST_F(BitmapFiles, EveryFormatHoldsWhatItPromises) {
     }
   }
   EXPECT_EQ(filesInFolder(), std::size(cases)) << "nothing else is left beside the images";
+  for (const ImageExtension& known : kImageExtensions)
+    EXPECT_TRUE(
+        std::any_of(std::begin(cases), std::end(cases),
+                    [&](const auto& c) { return std::string(c.name).ends_with("." + std::string(known.extension)); }))
+        << known.extension << " has no case";
 }
 
 TEST_F(BitmapFiles, GammaChangesOnlyEightBitFiles) {
@@ -113,7 +120,7 @@ TEST_F(BitmapFiles, GammaChangesOnlyEightBitFiles) {
     for (int y = 0; y < 3; ++y)
       for (int x = 0; x < 4; ++x) bitmap->Storage()->PutLinearPixels(x, y, 1, &grey);
     EXPECT_EQ(save(*bitmap, described(name)), OutputResult::success);
-    return sharedIo().decode(folder_.path(name)).pixels[0];
+    return sharedCodecs().decode(folder_.path(name)).pixels[0];
   };
   gamma_.SetFileOutGamma(1.8F);
   EXPECT_NEAR(redOf("a.png"), std::pow(0.5F, 1 / 1.8F), 0.003F);
@@ -130,7 +137,7 @@ TEST_F(BitmapFiles, AnImageWithoutTheAlphaFlagHasThreeChannels) {
   BitmapInfo info;
   info.SetName(folder_.wide("a.exr"));
   ASSERT_EQ(save(*bitmap, info), OutputResult::success);
-  EXPECT_EQ(sharedIo().decode(folder_.path("a.exr")).channels, 3);
+  EXPECT_EQ(sharedCodecs().decode(folder_.path("a.exr")).channels, 3);
 }
 
 TEST_F(BitmapFiles, FailuresAreNumberedAndLeaveNothingBehind) {
@@ -188,7 +195,8 @@ class FullDisk {
 };
 
 TEST_F(BitmapFiles, AFullDiskIsAnErrorForEveryFormatAndKeepsTheOldFile) {
-  for (const char* name : {"a.exr", "a.png", "a.tif", "a.jpg", "a.bmp", "a.tga"}) {
+  for (const ImageExtension& known : kImageExtensions) {
+    const std::string name = "a." + std::string(known.extension);
     SCOPED_TRACE(name);
     folder_.write(name, "old");
     const std::size_t before = filesInFolder();
@@ -212,12 +220,12 @@ TEST_F(BitmapFiles, BitmapsThatCannotBeAreNone) {
   EXPECT_EQ(manager_.liveBitmaps(), 0);
 }
 
-TEST(ImageIo, AMissingModuleIsAnErrorOfTheImageNotOfTheHost) {
-  ImageIo io("/nowhere/libmissing.so");
+TEST(ImageCodecLibrary, AMissingModuleIsAnErrorOfTheImageNotOfTheHost) {
+  ImageCodecLibrary codecs("/nowhere/libmissing.so");
   hostkit::services::GammaManager gamma;
   std::vector<std::string> log;
   support::TemporaryFolder folder;
-  ImageBitmapManager manager(io, gamma, [&](const std::string& line) { log.push_back(line); });
+  ImageBitmapManager manager(codecs, gamma, "test", [&](const std::string& line) { log.push_back(line); });
   BitmapInfo info;
   info.SetWidth(2);
   info.SetHeight(2);

@@ -53,9 +53,9 @@ TEST(PixelStorage, RefusesPixelsOutsideTheImage) {
 
 // A source whose red channel counts its pixels, placed at (x, y) in a smaller or larger destination.
 TEST(PixelStorage, PlacesAnImageByTheCustomFields) {
-  ImageIo io("no such module");
+  ImageCodecLibrary codecs("no such module");
   hostkit::services::GammaManager gamma;
-  ImageBitmapManager manager(io, gamma, [](const std::string&) {});
+  ImageBitmapManager manager(codecs, gamma, "test", [](const std::string&) {});
   hostsdk::BitmapInfo sourceInfo;
   sourceInfo.SetWidth(6);
   sourceInfo.SetHeight(5);

@@ -54,6 +54,9 @@ TEST_F(ScriptedHost, GlobalsReadAndChangeTheHost) {
       {"((maxOps.GetCurRenderElementMgr()).GetRenderElement 0).elementName", "\"Z\""},
       {"renderers.current.samples = 9; renderers.current.samples", "9"},
       {"renderers.medit.samples", "9"},
+      {"getPropNames renderers", "#(#current, #production, #medit, #activeShade)"},
+      {"Renderers.ACTIVESHADE.Samples", "9"},
+      {"findItem (getPropNames $Sun) #isHidden > 0 and findItem (getPropNames $Sun) #fov == 0", "true"},
       {"LayerManager.count", "1"},
       {"(LayerManager.getLayer 0).name", "\"0\""},
       {"LayerManager.getLayerFromName \"props\"", "undefined"},
@@ -105,6 +108,12 @@ TEST_F(ScriptedHost, WrongValuesAreErrorsAndChangeNothing) {
       {"$Camera01.pos = 5", "position requires Point3"},
       {"$Camera01.fov = 180", "fov requires"},
       {"(maxOps.GetCurRenderElementMgr()).GetRenderElement 1", "out of range: 1"},
+      {"(maxOps.GetCurRenderElementMgr()).GetRenderElement()", "GetRenderElement wanted 1, got 0"},
+      {"LayerManager.getLayer 0 1", "LayerManager: one layer's index or name is wanted"},
+      {"renderers.current.samples = 0", "samples requires an Integer from 1 to 65536"},
+      {"animationRange = 5", "animationRange requires Interval"},
+      {"$Camera01.rotation = 5", "rotation requires Quat"},
+      {"setRenderType()", "setRenderType requires the name of a render type"},
       {"n = $Quad; resetMaxFile #noPrompt; n.name", "Unknown property"},
   };
   for (const auto& c : cases)

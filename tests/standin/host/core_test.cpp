@@ -5,6 +5,7 @@
 #include <map>
 
 #include "hostkit/image/bitmap_manager.h"
+#include "hostkit/services/renderer_classes.h"
 #include "support/build_folders.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
@@ -39,8 +40,8 @@ class CoreTest : public testing::Test {
   support::TemporaryFolder folder_;
   std::vector<std::string> log_, listener_, events_;
   hostkit::services::GammaManager gamma_;
-  hostkit::image::ImageIo io_{support::programFolder() + "/libimage_codec.so"};
-  hostkit::image::ImageBitmapManager manager_{io_, gamma_, [](const std::string&) {}};
+  hostkit::image::ImageCodecLibrary codecs_{support::programFolder() + "/libimage_codec.so"};
+  hostkit::image::ImageBitmapManager manager_{codecs_, gamma_, "test", [](const std::string&) {}};
   hostkit::services::PathConfiguration paths_{[](const std::string&) {}};
   Core core_{paths_, [this](const std::string& line) { log_.push_back(line); },
              [this](const std::string& line) { listener_.push_back(line); }};
@@ -85,7 +86,7 @@ TEST_F(CoreTest, TakesTheScenesSettings) {
   EXPECT_EQ(core_.ActiveViewport()->ViewCamera(), nullptr);
   ASSERT_NE(core_.Viewport(0)->ViewCamera(), nullptr);
   EXPECT_EQ(core_.Viewport(0)->ViewCamera()->Name(), u"Side");
-  EXPECT_EQ(core_.CurrentRenderer(true)->ClassID(), kRendererB);
+  EXPECT_EQ(core_.CurrentRenderer(true)->ClassID(), hostkit::services::kRendererB);
   EXPECT_TRUE(core_.CurrentRenderer(true)->HasRequirement(2));
   EXPECT_FALSE(core_.CurrentRenderer(true)->HasRequirement(1));
   ASSERT_EQ(listener_.size(), 1U) << "an unknown key is a warning";

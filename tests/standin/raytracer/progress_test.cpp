@@ -26,7 +26,7 @@ class Progress : public ::testing::Test {
   }
 
   Scene scene_ = mixedScene();
-  Renderer renderer_{scene_, {3, BucketOrder::rows}};
+  Renderer renderer_{scene_, 3};
   FrameRequest request_ = request(128, 96, viewFrom({0, 0.6F, 1}));
   Picture picture_{128, 96, std::vector<float>(std::size_t{128} * 96 * 4, -1.0F)};
   Picture reference_;

@@ -175,9 +175,8 @@ std::vector<Picture> renderElements(Renderer& renderer, FrameRequest request,
   return pictures;
 }
 
-Picture renderElement(const Scene& scene, const FrameRequest& request, ElementType element,
-                      const RendererOptions& options) {
-  Renderer renderer(scene, options);
+Picture renderElement(const Scene& scene, const FrameRequest& request, ElementType element) {
+  Renderer renderer(scene);
   return renderElements(renderer, request, {element}).front();
 }
 

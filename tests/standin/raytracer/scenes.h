@@ -41,7 +41,6 @@ View viewFrom(Vec3 eye);
 FrameRequest request(int width, int height, const View& view);
 // One full-size picture an element.
 std::vector<Picture> renderElements(Renderer& renderer, FrameRequest request, const std::vector<ElementType>& elements);
-Picture renderElement(const Scene& scene, const FrameRequest& request, ElementType element = ElementType::beauty,
-                      const RendererOptions& options = {});
+Picture renderElement(const Scene& scene, const FrameRequest& request, ElementType element = ElementType::beauty);
 
 }  // namespace standin::raytracer::testing

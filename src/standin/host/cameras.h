@@ -1,4 +1,5 @@
-// Multipass camera effects: depth of field and motion blur by accumulating passes.
+// What the cameras of a scene show: views as renderers take them, and the multipass effects that move them, depth of
+// field and motion blur by accumulating passes.
 #pragma once
 
 #include <memory>
@@ -8,8 +9,12 @@
 
 namespace standin::host {
 
-inline constexpr hostsdk::Class_ID kDepthOfFieldClass{0x2c6f1a41, 0x55d07b1e};
-inline constexpr hostsdk::Class_ID kMotionBlurClass{0x4be31c93, 0x19f2ac05};
+// The view of a camera node at a time, for an image of this shape (width by height as it is shown, pixel aspect
+// included). A node without a camera gives the view of a camera with default settings.
+hostsdk::ViewParams cameraView(const scene::Scene& scene, int node, double ticks, double imageAspect);
+
+// A viewport's own view: its eye and target.
+hostsdk::ViewParams viewportView(const scene::ViewportSettings& viewport);
 
 // What an effect asks of the scene that its camera lives in.
 class EffectScene {

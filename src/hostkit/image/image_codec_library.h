@@ -1,4 +1,4 @@
-// The image module, loaded in the background.
+// The library of image codecs, a module that is loaded in the background.
 #pragma once
 
 #include <future>
@@ -9,14 +9,14 @@
 
 namespace hostkit::image {
 
-class ImageIo {
+class ImageCodecLibrary {
  public:
   // `modulePath` is native. Nothing is loaded yet.
-  explicit ImageIo(std::string modulePath);
+  explicit ImageCodecLibrary(std::string modulePath);
   // Waits for the loading to end.
-  ~ImageIo();
-  ImageIo(const ImageIo&) = delete;
-  ImageIo& operator=(const ImageIo&) = delete;
+  ~ImageCodecLibrary();
+  ImageCodecLibrary(const ImageCodecLibrary&) = delete;
+  ImageCodecLibrary& operator=(const ImageCodecLibrary&) = delete;
 
   // Begins to load the module on a thread of its own and returns at once. Calls after the first do nothing.
   void start();

@@ -1,4 +1,4 @@
-// What scripts see of the views, the render dialog, and the scene as a whole.
+// What scripts see of the scene as a whole: its layers, its root and its materials.
 #pragma once
 
 #include <memory>
@@ -8,11 +8,10 @@
 
 namespace standin::bindings {
 
-// `viewport`: numViews, activeViewport (from 1, settable), getCamera(), setCamera node, getType(), setType and
-// setLayout (accepted). They speak of the active viewport, which jobs render when they name no camera.
-std::shared_ptr<hostkit::script::HostObject> scriptViewports(host::Core& core);
-// `renderSceneDialog`: open(), close(), update(), commit() and cancel() do nothing; isOpen() is false.
-std::shared_ptr<hostkit::script::HostObject> scriptRenderDialog();
+// `LayerManager`: count, current, getLayer (from 0), getLayerFromName. A glTF scene has no layers: every node lies on
+// the layer "0", which every scene of the production host has. A layer has name, on and isHidden, which show or hide
+// all its nodes, and current.
+std::shared_ptr<hostkit::script::HostObject> scriptLayers(host::Core& core);
 // `rootNode`: name and children.
 std::shared_ptr<hostkit::script::HostObject> scriptRootNode(host::Core& core);
 // The scene's materials in file order, each with name, base_color, metalness, roughness (read-only).

@@ -1,10 +1,21 @@
-// The node tree of a document's default scene, with cameras, lights and animation.
+// What a document holds, brought into a scene part by part: materials, then meshes, then nodes, then animations.
 #pragma once
 
-#include "standin/scene/description.h"
+#include <vector>
+
 #include "standin/scene/gltf_document.h"
+#include "standin/scene/loader.h"
 
 namespace standin::scene {
+
+// Appends the document's materials to scene.materials, in its order, and the images they use to scene.images. An image
+// that is missing or cannot be decoded is a problem of the scene, and the material goes without that texture.
+void loadMaterials(const GltfDocument& document, const LoadOptions& options, Scene& scene);
+
+// Appends the document's meshes to scene.meshes, in its order, as triangle lists; a mesh keeps its place even when
+// nothing of it can be drawn. scene.materials already holds the document's. A textured primitive without the texture
+// coordinates is a problem of the scene.
+void loadMeshes(const GltfDocument& document, Scene& scene);
 
 // Index in the document's list of nodes for each node of the scene, or the other way round with kNone for a node that
 // the default scene does not reach.

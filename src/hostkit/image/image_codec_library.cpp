@@ -1,6 +1,5 @@
-#include "hostkit/image/image_io.h"
+#include "hostkit/image/image_codec_library.h"
 
-#include <array>
 #include <boost/dll/runtime_symbol_info.hpp>
 #include <boost/dll/shared_library.hpp>
 #include <memory>
@@ -9,22 +8,15 @@
 
 namespace hostkit::image {
 
-struct ImageIo::Module {
+struct ImageCodecLibrary::Module {
   boost::dll::shared_library library;
   EncodeFunction encode = nullptr;
   DecodeFunction decode = nullptr;
 };
 
-bool canEncode(const std::string& extension) {
-  static constexpr std::array kExtensions{"exr", "png", "tif", "tiff", "jpg", "jpeg", "bmp", "tga"};
-  for (const char* known : kExtensions)
-    if (extension == known) return true;
-  return false;
-}
+ImageCodecLibrary::ImageCodecLibrary(std::string modulePath) : modulePath_(std::move(modulePath)) {}
 
-ImageIo::ImageIo(std::string modulePath) : modulePath_(std::move(modulePath)) {}
-
-void ImageIo::start() {
+void ImageCodecLibrary::start() {
   if (loading_.valid()) return;
   loading_ = std::async(std::launch::async, [path = modulePath_] {
     auto module = std::make_shared<Module>();
@@ -36,9 +28,9 @@ void ImageIo::start() {
   });
 }
 
-ImageIo::~ImageIo() = default;
+ImageCodecLibrary::~ImageCodecLibrary() = default;
 
-const ImageIo::Module& ImageIo::module() {
+const ImageCodecLibrary::Module& ImageCodecLibrary::module() {
   start();
   try {
     return *loading_.get();
@@ -47,21 +39,21 @@ const ImageIo::Module& ImageIo::module() {
   }
 }
 
-std::vector<unsigned char> ImageIo::encode(const EncodeRequest& request) {
+std::vector<unsigned char> ImageCodecLibrary::encode(const EncodeRequest& request) {
   std::vector<unsigned char> file;
   std::string error;
   if (!module().encode(request, file, error)) throw std::runtime_error(error);
   return file;
 }
 
-DecodedImage ImageIo::decode(const std::string& nativePath) {
+DecodedImage ImageCodecLibrary::decode(const std::string& nativePath) {
   DecodedImage image;
   std::string error;
   if (!module().decode(nativePath, image, error)) throw std::runtime_error(error);
   return image;
 }
 
-std::string ImageIo::defaultModulePath() {
+std::string ImageCodecLibrary::defaultModulePath() {
   const auto folder = boost::dll::program_location().parent_path();
   return (folder / ("libimage_codec" + boost::dll::shared_library::suffix().string())).string();
 }
