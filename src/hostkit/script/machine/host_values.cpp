@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/port.h"
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/tuples.h"
 
 namespace hostkit::script {
 namespace {

@@ -6,10 +6,17 @@
 #include <vector>
 
 #include "hostkit/script/machine/handles.h"
-#include "hostkit/script/machine/port_mark.h"
 #include "hostkit/script/machine/runtime.h"
 
 namespace hostkit::script {
+
+// Where the host port stands, so that it can be put back there.
+struct PortMark {
+  std::size_t frames = 0;  // allocation frames
+  std::size_t slots = 0;   // linked slots
+  hostsdk::CharStream* output = nullptr;
+  std::int32_t evaluationLevel = 0, sourcePosition = 0;
+};
 
 class Port final : public hostsdk::ScriptRuntime, private hostsdk::GlobalsTable {
  public:

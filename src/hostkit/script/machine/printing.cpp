@@ -6,10 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "hostkit/script/machine/access.h"
-#include "hostkit/script/machine/printing_parts.h"
+#include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/streams.h"
-#include "hostkit/script/machine/times.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
@@ -44,6 +42,30 @@ class Collecting : public hostsdk::CharStream {
   void puts(std::u16string_view more) override { collected += more; }
   void close() override {}
   std::u16string collected;
+};
+
+// Builds one printed form, part by part.
+struct Printer {
+  explicit Printer(Runtime& printingRuntime) : runtime(printingRuntime) {}
+  // Deeper values, and values within themselves, print as "...".
+  static constexpr std::size_t kMaxDepth = 24;
+  static constexpr std::size_t kMaxPrinted = std::size_t{1} << 24;  // code units; more is a script error
+
+  void print(const Value& value);
+  void number(const Value& value);
+  void object(const Object& o);
+  void array(const ArrayObject& o);
+  void bits(const BitArrayObject& o);
+  void components(const TupleObject& o, std::size_t from, std::size_t count, char16_t separator);
+  void tuple(const TupleObject& o);
+  void dictionary(const DictionaryObject& o);
+  void pair(const DataPairObject& o);
+  void structure(const StructObject& o);
+  void instance(const InstanceObject& o);
+
+  Runtime& runtime;
+  std::u16string out;
+  std::vector<const Object*> printing;  // from the outermost in
 };
 
 }  // namespace
@@ -247,15 +269,13 @@ void Printer::components(const TupleObject& o, std::size_t from, std::size_t cou
 }
 
 void Printer::tuple(const TupleObject& o) {
-  static constexpr std::array<std::u16string_view, 10> kNames{
-      u"", u"", u"", u"color", u"quat", u"eulerAngles", u"angleAxis", u"ray", u"box2", u"matrix3"};
   if (o.isPoint()) {
     out += u'[';
     components(o, 0, o.size(), u',');
     out += u']';
     return;
   }
-  out += u'(' + std::u16string(kNames[static_cast<std::size_t>(o.tuple)]) + u' ';
+  out += u'(' + std::u16string(o.shape().word) + u' ';
   if (o.tuple == TupleKind::matrix3 || o.tuple == TupleKind::ray) {
     for (std::size_t row = 0; row * 3 < o.size(); ++row) {
       if (row > 0) out += u' ';

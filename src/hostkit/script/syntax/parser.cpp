@@ -4,7 +4,6 @@
 #include <array>
 
 #include "hostkit/script/syntax/errors.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

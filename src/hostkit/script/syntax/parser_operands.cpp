@@ -1,7 +1,6 @@
 // Operands: literals, variables, brackets, and what is hung on them with '.' and '[ ]'.
 #include "hostkit/script/syntax/errors.h"
 #include "hostkit/script/syntax/parser.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
