@@ -87,8 +87,8 @@ Compiler::Unit::Unit(Runtime& runtime, Unit* enclosing)
       code(static_cast<CodeObject*>(root.value.o)),
       outer(enclosing) {}
 
-CodeObject* Compiler::compile(Runtime& runtime, const Tree& tree, std::span<Node* const> expressions) {
-  Compiler compiler(runtime, tree);
+CodeObject* Compiler::compile(Runtime& runtime, std::span<Node* const> expressions) {
+  Compiler compiler(runtime);
   Unit unit(runtime, nullptr);
   compiler.unit_ = &unit;
   if (!expressions.empty()) unit.place = expressions.front()->place;

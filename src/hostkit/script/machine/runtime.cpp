@@ -184,7 +184,7 @@ Value Runtime::runSource(const std::shared_ptr<const Source>& source) {
     Tree tree;
     Node* expression = parser.nextExpression(tree);
     if (!expression) return result.value;
-    const Root code(heap_, Compiler::compile(*this, tree, {&expression, 1}));
+    const Root code(heap_, Compiler::compile(*this, {&expression, 1}));
     result.value = evaluator_->run(static_cast<CodeObject*>(code.value.o));
   }
 }
