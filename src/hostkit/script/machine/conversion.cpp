@@ -143,7 +143,7 @@ bool toBoolean(Runtime& runtime, const Value& value) {
 std::int32_t toTicks(Runtime& runtime, const Value& value) {
   if (value.tag == Tag::time) return value.i;
   if (!value.isNumber()) unable(runtime, value, u"Time");
-  return ticksOfFrames(toDouble(runtime, value), runtime.host());
+  return rounded(toDouble(runtime, value) * runtime.host().ticksPerFrame());
 }
 
 std::u16string_view toString(Runtime& runtime, const Value& value) {
@@ -215,9 +215,11 @@ Value readNumber(std::u16string_view text) {
       return Value::ofFloat(static_cast<float>(real));
     case NumberLiteral::Kind::doubleReal:
       return Value::ofDouble(real);
-    default:
-      return {};
+    case NumberLiteral::Kind::time:
+    case NumberLiteral::Kind::normalizedTime:
+      break;
   }
+  return {};
 }
 
 Value convert(Runtime& runtime, const Value& value, const Value& target) {
@@ -257,8 +259,6 @@ std::int32_t ticksOf(const NumberLiteral& time, HostBindings& host) {
   }
   return rounded(time.ticks + time.frames * host.ticksPerFrame());
 }
-
-std::int32_t ticksOfFrames(double frames, HostBindings& host) { return rounded(frames * host.ticksPerFrame()); }
 
 double framesOf(std::int32_t ticks, HostBindings& host) { return static_cast<double>(ticks) / host.ticksPerFrame(); }
 

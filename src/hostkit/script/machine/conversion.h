@@ -35,7 +35,6 @@ Value readNumber(std::u16string_view text);
 
 // Times: 4800 ticks a second, frames by the host's frame rate.
 std::int32_t ticksOf(const NumberLiteral& time, HostBindings& host);
-std::int32_t ticksOfFrames(double frames, HostBindings& host);
 double framesOf(std::int32_t ticks, HostBindings& host);
 
 }  // namespace hostkit::script

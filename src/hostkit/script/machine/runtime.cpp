@@ -112,6 +112,12 @@ GlobalObject* Runtime::findGlobal(const NameObject* name) {
   return found == globals_.end() ? nullptr : found->second;
 }
 
+std::vector<const GlobalObject*> Runtime::globals() const {
+  std::vector<const GlobalObject*> all;
+  for (const auto& [name, global] : globals_) all.push_back(global);
+  return all;
+}
+
 GlobalObject* Runtime::addGlobal(NameObject* name) {
   if (GlobalObject* found = findGlobal(name)) return found;
   auto* made = heap_.make<GlobalObject>(name);

@@ -60,7 +60,8 @@ class Runtime {
 
   // Globals by name; null when there is none.
   GlobalObject* findGlobal(const NameObject* name);
-  GlobalObject* addGlobal(NameObject* name);  // an existing one is returned as it is
+  std::vector<const GlobalObject*> globals() const;  // all of them, in no order
+  GlobalObject* addGlobal(NameObject* name);         // an existing one is returned as it is
   void removeGlobal(const NameObject* name) { globals_.erase(name); }
   void setConstant(std::u16string_view name, Value value);
   Value readGlobal(GlobalObject& global);
