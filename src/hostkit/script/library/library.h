@@ -33,8 +33,6 @@ std::span<const BuiltinEntry> interfaceBuiltins();
 std::vector<ClassRow> plainClassRows();      // numbers, texts, collections, functions
 std::vector<ClassRow> geometricClassRows();  // points, colors, rotations, matrices, intervals
 
-// Constants that every script can use, and the built-in structures that hold settings.
-void defineConstants(Runtime& runtime);
 // `sysInfo`: what a script may learn of the machine.
 void defineSystemInfo(Runtime& runtime);
 

@@ -1,4 +1,4 @@
-#include "hostkit/script/machine/handles.h"
+// What plug-ins can do with the values that they hold.
 
 #include "hostkit/script/machine/compiler.h"
 #include "hostkit/script/machine/evaluator.h"
