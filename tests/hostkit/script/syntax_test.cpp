@@ -67,6 +67,14 @@ TEST(Decoding, KnowsByteOrderMarksUtf8AndAnsi) {
   EXPECT_EQ(decodeScript(std::string_view("\xFF\xFE\xE9\x00", 4)), u"\u00E9");
 }
 
+TEST(Encoding, ReplacesWhatIsIllFormed) {
+  EXPECT_EQ(fromUtf8("a\xFF\xC3z"), u"a\uFFFD\uFFFDz");
+  EXPECT_EQ(toUtf8(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(toUtf8(std::u16string{u'a', 0xD83D, u'b', 0xDE00}),
+            "a\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD");
+}
+
 TEST(ErrorReport, ShowsFunctionPlaceCaretAndLocals) {
   const support::TemporaryFolder folder;
   folder.write("job.ms", "fn f a = (\n  local i = 0\n  a[i]\n)\nf #()\n");

@@ -1,6 +1,6 @@
 #include "hostkit/script/engine/engine.h"
 
-#include "hostkit/script/engine/published_interfaces.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/evaluator.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/port.h"
@@ -44,7 +44,7 @@ RunResult run(Runtime& runtime, const std::shared_ptr<const Source>& source) {
 }  // namespace
 
 Engine::Engine(HostBindings& host, EngineOptions options)
-    : runtime_(std::make_unique<Runtime>(host, std::move(options))) {}
+    : runtime_(std::make_unique<Runtime>(host, std::move(options), standardLibrary())) {}
 Engine::~Engine() = default;
 
 hostsdk::ScriptRuntime& Engine::port() { return runtime_->port(); }
@@ -88,8 +88,6 @@ std::vector<SyntaxProblem> Engine::check(const std::u16string& path) {
   runtime_->runningFiles.pop_back();
   return problems;
 }
-
-void Engine::publishInterfaces() { hostkit::script::publishInterfaces(*runtime_); }
 
 void Engine::fireNotification(std::u16string_view event, const HostValue& parameter) {
   Runtime& runtime = *runtime_;

@@ -2,8 +2,6 @@
 // plug-ins.
 #pragma once
 
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,21 +13,6 @@
 namespace hostkit::script {
 
 class Runtime;
-
-struct EngineOptions {
-  // Receives what scripts print.
-  std::function<void(std::u16string_view)> listener;
-  // Folders searched by fileIn and include after the path as given; the first one is what getDir #scripts answers.
-  std::vector<std::u16string> scriptFolders;
-  // Collect garbage at every allocation. Also switched on by CORVANTIS_GC_STRESS=1.
-  bool collectAlways = false;
-  // Loop rounds and calls after which a script fails; 0: no limit.
-  std::uint64_t stepLimit = 0;
-  // Bytes of live values after which a script fails.
-  std::size_t heapLimit = std::size_t{2} << 30;
-  // Without it createFile, deleteFile and their like fail: for running scripts that nobody has vouched for.
-  bool fileAccess = true;
-};
 
 struct RunResult {
   bool succeeded = false;
@@ -63,6 +46,8 @@ class Engine {
   std::vector<SyntaxProblem> check(const std::u16string& path);
 
   // Makes every interface in hostsdk::registeredInterfaces() a global of its name; call again after loading more.
+  // Functions take their declared parameters: numbers are converted, booleans must be booleans (or whole numbers),
+  // values travel as handles. Properties without a setter are read-only.
   void publishInterfaces();
 
   // Runs what scripts registered with callbacks.addScript for `event`; `parameter` is what

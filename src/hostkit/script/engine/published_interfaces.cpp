@@ -1,4 +1,4 @@
-#include "hostkit/script/engine/published_interfaces.h"
+#include "hostkit/script/engine/engine.h"
 
 #include <algorithm>
 
@@ -105,7 +105,8 @@ class InterfaceObject final : public HostObject {
 
 }  // namespace
 
-void publishInterfaces(Runtime& runtime) {
+void Engine::publishInterfaces() {
+  Runtime& runtime = *runtime_;
   for (hostsdk::FPInterfaceDesc* each : hostsdk::registeredInterfaces()) {
     GlobalObject* global = runtime.addGlobal(runtime.name(each->published().name));
     global->value = runtime.heap().make<HostValueObject>(std::make_shared<InterfaceObject>(runtime, *each));

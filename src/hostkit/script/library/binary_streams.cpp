@@ -3,8 +3,7 @@
 #include <bit>
 #include <cstring>
 
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/library/file_access.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/printing.h"
 #include "hostkit/script/machine/streams.h"

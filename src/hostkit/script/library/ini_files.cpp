@@ -2,10 +2,9 @@
 #include <algorithm>
 #include <optional>
 
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/library/file_access.h"
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/streams.h"
 #include "hostkit/script/syntax/source.h"
 #include "hostkit/script/syntax/text.h"

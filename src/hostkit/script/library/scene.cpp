@@ -1,11 +1,12 @@
 // Scene nodes by name, and what can be done to any node through its properties.
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/port.h"
 #include "hostkit/script/machine/printing.h"
+#include "hostkit/script/machine/properties.h"
+#include "hostkit/script/machine/scene_nodes.h"
 
 namespace hostkit::script {
 namespace {

@@ -1,11 +1,12 @@
 // Time and date, the surroundings, and operating-system commands (which are refused).
+#include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <random>
+#include <thread>
 
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/library/dates.h"
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/evaluator.h"
 #include "hostkit/script/syntax/text.h"
@@ -15,6 +16,12 @@
 
 namespace hostkit::script {
 namespace {
+
+// The local calendar time; the numbers of a date that the calendar lacks are 0.
+std::tm localCalendar(std::time_t moment) {
+  const std::tm* calendar = std::localtime(&moment);
+  return calendar ? *calendar : std::tm{};
+}
 
 Value timeStamp(const Call&) {
   return Value::ofInteger(static_cast<std::int32_t>(platform::clock().tickCount() & 0x7FFFFFFF));
@@ -94,6 +101,29 @@ Value isNetServer(const Call&) { return Value::ofBoolean(false); }
 
 Value refuse(const Call&) { throwRuntimeError(u"Operating-system commands are not supported by this host"); }
 
+// sysInfo: what a script may learn of the machine
+
+// The first of the variables that is set.
+Value environmentText(Runtime& runtime, std::initializer_list<const char16_t*> names) {
+  for (const char16_t* name : names)
+    if (const auto text = platform::environmentVariable(name)) return runtime.newString(*text);
+  return runtime.newString(u"");
+}
+
+Value computerName(Runtime& runtime, const Value&) { return runtime.newString(platform::computerName()); }
+Value userName(Runtime& runtime, const Value&) { return environmentText(runtime, {u"USERNAME", u"USER", u"LOGNAME"}); }
+Value cpuCount(Runtime&, const Value&) {
+  return Value::ofInteger(static_cast<std::int32_t>(std::max(1U, std::thread::hardware_concurrency())));
+}
+Value tempFolder(Runtime& runtime, const Value&) {
+  std::error_code error;
+  return runtime.newString(platform::windowsPath(std::filesystem::temp_directory_path(error).string()));
+}
+Value currentFolder(Runtime& runtime, const Value&) {
+  std::error_code error;
+  return runtime.newString(platform::windowsPath(std::filesystem::current_path(error).string()));
+}
+
 constexpr BuiltinEntry kEntries[] = {
     {u"timeStamp", 0, 0, timeStamp},
     {u"getLocalTime", 0, 0, getLocalTime},
@@ -113,16 +143,22 @@ constexpr BuiltinEntry kEntries[] = {
 
 }  // namespace
 
-std::tm localCalendar(std::time_t moment) {
-  const std::tm* calendar = std::localtime(&moment);
-  return calendar ? *calendar : std::tm{};
-}
-
 std::u16string dateText(std::time_t moment) {
   const std::tm calendar = localCalendar(moment);
   char text[64];
   std::strftime(text, sizeof text, "%m/%d/%Y %I:%M:%S %p", &calendar);
   return widen(text);
+}
+
+void defineSystemInfo(Runtime& runtime) {
+  GlobalObject* global = runtime.addGlobal(runtime.name(u"sysInfo"));
+  auto* space = runtime.heap().make<NamespaceObject>(global->name);
+  global->value = space;
+  space->properties = {{runtime.name(u"computerName"), computerName, nullptr},
+                       {runtime.name(u"userName"), userName, nullptr},
+                       {runtime.name(u"cpuCount"), cpuCount, nullptr},
+                       {runtime.name(u"tempDir"), tempFolder, nullptr},
+                       {runtime.name(u"currentDir"), currentFolder, nullptr}};
 }
 
 std::span<const BuiltinEntry> systemBuiltins() { return kEntries; }

@@ -1,5 +1,7 @@
-// What would show something: it goes to the log instead.
-#include "hostkit/script/library/builtins.h"
+// What would show something, which goes to the log instead, and what this host does not have.
+#include <algorithm>
+
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/printing.h"
 
 namespace hostkit::script {
@@ -41,6 +43,24 @@ Value yes(const Call&) { return Value::ofBoolean(true); }
 Value nothing(const Call&) { return Value::ok(); }
 Value no(const Call&) { return Value::ofBoolean(false); }
 
+// Functions of the production host that scripts must not believe to have worked.
+
+template <std::size_t N>
+struct Name {
+  constexpr Name(const char16_t (&name)[N]) { std::copy_n(name, N, text); }  // NOLINT: made of literals
+  char16_t text[N];
+};
+
+template <Name kName>
+Value refuse(const Call&) {
+  throwRuntimeError(std::u16string(kName.text) + u" is not supported by this host");
+}
+
+template <Name kName>
+constexpr BuiltinEntry refused() {
+  return {kName.text, 0, -1, refuse<kName>};
+}
+
 constexpr BuiltinEntry kEntries[] = {
     {u"messageBox", 1, 1, messageBox},
     {u"queryBox", 1, 1, queryBox},
@@ -77,6 +97,32 @@ constexpr BuiltinEntry kEntries[] = {
     {u"setWaitCursor", 0, 0, nothing},
     {u"setArrowCursor", 0, 0, nothing},
     {u"windows.processPostedMessages", 0, 0, nothing},
+    refused<u"render">(),
+    refused<u"saveMaxFile">(),
+    refused<u"saveNodes">(),
+    refused<u"mergeMaxFile">(),
+    refused<u"holdMaxFile">(),
+    refused<u"fetchMaxFile">(),
+    refused<u"importFile">(),
+    refused<u"exportFile">(),
+    refused<u"quitMAX">(),
+    refused<u"addModifier">(),
+    refused<u"convertToMesh">(),
+    refused<u"convertToPoly">(),
+    refused<u"delete">(),
+    refused<u"instance">(),
+    refused<u"reference">(),
+    refused<u"snapshot">(),
+    refused<u"cloneNodes">(),
+    refused<u"bitmap">(),
+    refused<u"openBitmap">(),
+    refused<u"dotNetClass">(),
+    refused<u"dotNetObject">(),
+    refused<u"dotNet.loadAssembly">(),
+    refused<u"python.execute">(),
+    refused<u"python.executeFile">(),
+    refused<u"createOLEObject">(),
+    refused<u"registry.openKey">(),
 };
 
 }  // namespace

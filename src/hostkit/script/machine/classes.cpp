@@ -1,14 +1,13 @@
 #include "hostkit/script/machine/classes.h"
 
-#include "hostkit/script/library/class_tables.h"
 #include "hostkit/script/machine/streams.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
 
-Classes::Classes(Runtime& runtime) {
+Classes::Classes(Runtime& runtime, std::span<const ClassRow> rows) {
   value = add(runtime, u"Value", nullptr, nullptr);
-  for (const ClassRow& row : classRows()) {
+  for (const ClassRow& row : rows) {
     ClassObject* super = find(fold(row.super));
     ClassObject* made = add(runtime, row.name, super ? super : value, row.constructor);
     for (const PropertyRow& property : row.properties)
@@ -39,8 +38,6 @@ void Classes::fillTables() {
   static constexpr std::array<std::u16string_view, 12> kTags{
       u"undefinedclass", u"undefinedclass", u"okclass", u"dontcollectclass", u"silentvalueclass", u"booleanclass",
       u"integer",        u"float",          u"time",    u"integer64",        u"integerptr",       u"double"};
-  static constexpr std::array<std::u16string_view, 10> kTuples{
-      u"point2", u"point3", u"point4", u"color", u"quat", u"eulerangles", u"angleaxis", u"ray", u"box2", u"matrix3"};
   static constexpr std::array<std::pair<Kind, std::u16string_view>, 13> kKinds{
       {{Kind::string, u"string"},
        {Kind::name, u"name"},
@@ -56,7 +53,7 @@ void Classes::fillTables() {
        {Kind::classValue, u"maxclass"},
        {Kind::reference, u"valueref"}}};
   for (std::size_t i = 0; i < kTags.size(); ++i) ofTag[i] = find(kTags[i]);
-  for (std::size_t i = 0; i < kTuples.size(); ++i) ofTuple[i] = find(kTuples[i]);
+  for (std::size_t i = 0; i < kTupleShapes.size(); ++i) ofTuple[i] = find(fold(kTupleShapes[i].word));
   for (const auto& [kind, name] : kKinds) ofKind[static_cast<std::size_t>(kind)] = find(name);
   string = find(u"string");
 }

@@ -3,13 +3,15 @@
 
 #include <array>
 #include <map>
+#include <span>
 
 #include "hostkit/script/machine/runtime.h"
 
 namespace hostkit::script {
 
 struct Classes {
-  explicit Classes(Runtime& runtime);
+  // A superclass stands before its classes.
+  Classes(Runtime& runtime, std::span<const ClassRow> rows);
 
   ClassObject* find(std::u16string_view name) const;  // null when there is none
   // One class for each name; made when it is missing.
@@ -21,7 +23,7 @@ struct Classes {
   // By tag, kind of object and kind of tuple; null where the value itself must be asked.
   std::array<ClassObject*, 13> ofTag{};
   std::array<ClassObject*, 32> ofKind{};
-  std::array<ClassObject*, 10> ofTuple{};
+  std::array<ClassObject*, kTupleShapes.size()> ofTuple{};
   std::map<std::u16string, ClassObject*, std::less<>> byName;  // lower case
 
  private:

@@ -75,9 +75,41 @@ std::int32_t stackEffect(Op op, std::size_t a) {
     case Op::makeArray:
     case Op::makePoint:
       return 1 - count;
-    default:
-      return 0;
+    case Op::cutTo:
+    case Op::cutKeepTop:
+    case Op::setLocal:
+    case Op::setBoxed:
+    case Op::setOuter:
+    case Op::setGlobal:
+    case Op::setMember:
+    case Op::clearLocals:
+    case Op::getProperty:
+    case Op::refProperty:
+    case Op::dereference:
+    case Op::negate:
+    case Op::logicalNot:
+    case Op::addInteger:
+    case Op::compareLocalJump:
+    case Op::operand:
+    case Op::jump:
+    case Op::loopJump:
+    case Op::checkBoolean:
+    case Op::caseTest:
+    case Op::callKeywords:
+    case Op::callMethodKeywords:
+    case Op::makeStruct:
+    case Op::forTest:
+    case Op::forStep:
+    case Op::eachNext:
+    case Op::eachNextJump:
+    case Op::pushTry:
+    case Op::popTry:
+    case Op::popContext:
+    case Op::setTime:
+    case Op::fail:
+      break;
   }
+  return 0;
 }
 
 }  // namespace
@@ -87,8 +119,8 @@ Compiler::Unit::Unit(Runtime& runtime, Unit* enclosing)
       code(static_cast<CodeObject*>(root.value.o)),
       outer(enclosing) {}
 
-CodeObject* Compiler::compile(Runtime& runtime, const Tree& tree, std::span<Node* const> expressions) {
-  Compiler compiler(runtime, tree);
+CodeObject* Compiler::compile(Runtime& runtime, std::span<Node* const> expressions) {
+  Compiler compiler(runtime);
   Unit unit(runtime, nullptr);
   compiler.unit_ = &unit;
   if (!expressions.empty()) unit.place = expressions.front()->place;
@@ -216,7 +248,27 @@ void Compiler::compile(const Node& node, bool wanted) {
       unit_->height = height + (wanted ? 1 : 0);
       break;
     }
-    default:
+    case NodeKind::number:
+    case NodeKind::text:
+    case NodeKind::name:
+    case NodeKind::path:
+    case NodeKind::boolean:
+    case NodeKind::variable:
+    case NodeKind::lastResult:
+    case NodeKind::array:
+    case NodeKind::bitArray:
+    case NodeKind::point:
+    case NodeKind::property:
+    case NodeKind::index:
+    case NodeKind::call:
+    case NodeKind::negate:
+    case NodeKind::logicalNot:
+    case NodeKind::dereference:
+    case NodeKind::reference:
+    case NodeKind::binary:
+    case NodeKind::logical:
+    case NodeKind::convert:
+    case NodeKind::setContext:
       compileValue(node, wanted);
   }
   unit_->place = before;

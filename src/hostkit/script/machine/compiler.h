@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ class Compiler {
  public:
   // The expressions of one file or text, in order, as code whose value is the last one's. Globals that they mention are
   // made. Throws ScriptError (isSyntax) "-- Compile error: ...". Reachable only through what the caller does with it.
-  static CodeObject* compile(Runtime& runtime, const Tree& tree, std::span<Node* const> expressions);
+  static CodeObject* compile(Runtime& runtime, std::span<Node* const> expressions);
 
  private:
   struct Variable {
@@ -39,6 +40,11 @@ class Compiler {
     std::size_t regions = 0;
     std::vector<std::size_t> exits, continues;  // jumps to be aimed
   };
+  // What a loop hands to each of its rounds.
+  struct RoundValue {
+    std::int32_t slot = 0;  // where the loop keeps it
+    Variable variable;      // as the body knows it
+  };
   // What is being compiled: a function's body, or the file's own code (no outer).
   struct Unit {
     Unit(Runtime& runtime, Unit* enclosing);
@@ -47,6 +53,7 @@ class Compiler {
     Unit* outer;
     const StructObject* members = nullptr;  // of the structure whose method this is
     NameObject* ownName = nullptr;
+    std::set<std::u16string> referenced;  // locals that some & takes a reference of, in lower case
     std::vector<Scope> scopes;
     std::vector<Loop> loops;
     std::vector<Region> regions;
@@ -54,7 +61,7 @@ class Compiler {
     Place place;  // of what is being compiled
   };
 
-  Compiler(Runtime& runtime, const Tree& tree) : runtime_(runtime), tree_(tree) {}
+  explicit Compiler(Runtime& runtime) : runtime_(runtime) {}
 
   // Emission. Each tells the index of the instruction.
   std::size_t emit(Op op, std::size_t a = 0, std::int32_t b = 0);
@@ -69,6 +76,8 @@ class Compiler {
   std::uint32_t sourceIndex(const Place& place);
 
   // Variables
+  void findReferenced(const Node& node);
+  bool isBoxed(const NameObject* name) const;
   std::int32_t newSlot(std::u16string_view name, std::size_t count = 1);
   Variable declare(NameObject* name);
   Variable declareImplicit(NameObject* name, Scope& scope);
@@ -114,7 +123,9 @@ class Compiler {
   void doWhileLoop(const LoopNode& node, bool wanted);
   void forLoop(const ForNode& node, bool wanted);
   void forRounds(const ForNode& node, std::int32_t slots, std::int32_t collection);
-  void countRound(std::int32_t slot);
+  RoundValue roundValue(NameObject* name, std::int32_t slot);
+  void renew(const RoundValue& value);
+  void countRound(const RoundValue& counter);
   void openLoop(bool wanted);
   void closeLoop();
   void leave(const UnaryNode* exitNode);
@@ -137,7 +148,6 @@ class Compiler {
   void definition(const DefinitionNode& node, bool wanted);
 
   Runtime& runtime_;
-  const Tree& tree_;
   Unit* unit_ = nullptr;
 };
 

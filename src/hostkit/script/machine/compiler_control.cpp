@@ -187,25 +187,19 @@ void Compiler::forLoop(const ForNode& node, bool wanted) {
 
 // One round: the tests, the body, the step. Leaves nothing on the stack.
 void Compiler::forRounds(const ForNode& node, std::int32_t slots, std::int32_t collection) {
-  NameObject* name = runtime_.name(node.names[0]);
-  std::vector<std::int32_t> counters;  // index in the source, index among the kept
+  std::vector<RoundValue> counters;  // index in the source, index among the kept
   for (std::size_t i = 1; i < node.names.size(); ++i) {
-    NameObject* counter = runtime_.name(node.names[i]);
-    counters.push_back(newSlot(counter->text));
-    unit_->scopes.back().variables.push_back({Variable::Kind::slot, counter, counters.back(), nullptr});
+    NameObject* name = runtime_.name(node.names[i]);
+    counters.push_back(roundValue(name, newSlot(name->text)));
     emit(Op::integer, 0, 0);
-    emit(Op::storeLocal, 0, counters.back());
+    emit(Op::storeLocal, 0, counters.back().slot);
+    renew(counters.back());
   }
   const std::size_t first = emit(node.to ? Op::forTest : Op::eachNext, static_cast<std::size_t>(slots));
   const std::int32_t top = here();
-  Variable variable{Variable::Kind::slot, name, slots + 3, nullptr};
+  NameObject* name = runtime_.name(node.names[0]);
   code().slotNames[static_cast<std::size_t>(slots) + 3] = name->text;
-  if (unit_->outer && tree_.referenced.contains(name->folded)) {
-    variable = {Variable::Kind::boxed, name, newSlot(node.names[0]), nullptr};
-    emit(Op::getLocal, 0, slots + 3);
-    emit(Op::makeCell, 0, variable.slot);
-  }
-  unit_->scopes.back().variables.push_back(variable);
+  renew(roundValue(name, slots + 3));
   if (node.names.size() > 1) countRound(counters[0]);
   std::vector<std::size_t> stop, skip;
   if (node.whileTest) condition(*node.whileTest, Test::whileTest, stop);
@@ -223,10 +217,27 @@ void Compiler::forRounds(const ForNode& node, std::int32_t slots, std::int32_t c
   for (const std::size_t jump : stop) aim(jump);
 }
 
-void Compiler::countRound(std::int32_t slot) {
-  emit(Op::getLocal, 0, slot);
+// Declares the name of what the loop keeps in `slot`: the slot itself or, when references are taken of the name, a cell
+// of each round.
+Compiler::RoundValue Compiler::roundValue(NameObject* name, std::int32_t slot) {
+  Variable variable{Variable::Kind::slot, name, slot, nullptr};
+  if (isBoxed(name)) variable = {Variable::Kind::boxed, name, newSlot(name->text), nullptr};
+  unit_->scopes.back().variables.push_back(variable);
+  return {slot, variable};
+}
+
+// The cell of a new round.
+void Compiler::renew(const RoundValue& value) {
+  if (value.variable.kind != Variable::Kind::boxed) return;
+  emit(Op::getLocal, 0, value.slot);
+  emit(Op::makeCell, 0, value.variable.slot);
+}
+
+void Compiler::countRound(const RoundValue& counter) {
+  emit(Op::getLocal, 0, counter.slot);
   emit(Op::addInteger, static_cast<std::size_t>(BinaryOperator::add), 1);
-  emit(Op::storeLocal, 0, slot);
+  emit(Op::storeLocal, 0, counter.slot);
+  renew(counter);
 }
 
 void Compiler::caseOf(const CaseNode& node, bool wanted) {

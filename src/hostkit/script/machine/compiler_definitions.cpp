@@ -27,6 +27,7 @@ CodeObject* Compiler::functionBody(const FunctionNode& node, const StructObject*
   unit.code->isMapped = node.isMapped;
   unit.scopes.push_back({true, {}, -1, 0});
   try {
+    findReferenced(node);
     parameters(node);
     compile(*node.body, true);
     emit(Op::returnValue);
@@ -42,7 +43,7 @@ void Compiler::parameters(const FunctionNode& node) {
   const auto add = [&](const Parameter& parameter) {
     NameObject* name = runtime_.name(parameter.name);
     const std::int32_t slot = newSlot(name->text);
-    const bool boxed = parameter.byReference || tree_.referenced.contains(name->folded);
+    const bool boxed = parameter.byReference || isBoxed(name);
     unit_->scopes.back().variables.push_back(
         {boxed ? Variable::Kind::boxed : Variable::Kind::slot, name, slot, nullptr});
     return slot;
@@ -64,7 +65,7 @@ void Compiler::parameters(const FunctionNode& node) {
       emit(Op::storeLocal, 0, slot);
       aim(supplied);
     }
-    if (!parameter->byReference && tree_.referenced.contains(fold(parameter->name))) {
+    if (!parameter->byReference && isBoxed(runtime_.name(parameter->name))) {
       emit(Op::getLocal, 0, slot);
       emit(Op::makeCell, 0, slot);
     }
@@ -125,6 +126,8 @@ CodeObject* Compiler::structInitializer(const StructNode& node, const StructObje
   unit.code->name = node.name;
   unit.scopes.push_back({true, {}, -1, 0});
   try {
+    for (const StructMember& member : node.members)
+      if (member.value) findReferenced(*member.value);
     for (const StructMember& member : node.members) {
       if (!member.value) continue;
       const auto field = static_cast<std::int32_t>(members.find(runtime_.name(member.name))->field);

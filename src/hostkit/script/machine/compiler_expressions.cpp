@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "hostkit/script/machine/compiler.h"
-#include "hostkit/script/machine/times.h"
+#include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

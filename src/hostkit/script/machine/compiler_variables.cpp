@@ -4,6 +4,23 @@
 
 namespace hostkit::script {
 
+// Finds the variables that the unit takes references of, before any of its code is made: the slots of such locals hold
+// cells from the start. Functions and structures below are units of their own, out of whose reach these locals are.
+void Compiler::findReferenced(const Node& node) {
+  if (node.kind == NodeKind::reference) {
+    const Node& target = *static_cast<const UnaryNode&>(node).operand;
+    if (target.kind == NodeKind::variable) unit_->referenced.insert(fold(static_cast<const WordNode&>(target).text));
+  }
+  forEachChild(node, [this](const Node& child) {
+    if (child.kind != NodeKind::function && child.kind != NodeKind::structure) findReferenced(child);
+  });
+}
+
+// The file's own locals need no cells: references to them are to slots of the environment that they live in.
+bool Compiler::isBoxed(const NameObject* name) const {
+  return unit_->outer && unit_->referenced.contains(name->folded);
+}
+
 std::int32_t Compiler::newSlot(std::u16string_view name, std::size_t count) {
   const std::size_t first = code().slots;
   code().slots += count;
@@ -15,14 +32,14 @@ std::int32_t Compiler::newSlot(std::u16string_view name, std::size_t count) {
 
 Compiler::Variable Compiler::declare(NameObject* name) {
   Variable made{Variable::Kind::slot, name, newSlot(name->text), nullptr};
-  if (unit_->outer && tree_.referenced.contains(name->folded)) made.kind = Variable::Kind::boxed;
+  if (isBoxed(name)) made.kind = Variable::Kind::boxed;
   unit_->scopes.back().variables.push_back(made);
   return made;
 }
 
 Compiler::Variable Compiler::declareImplicit(NameObject* name, Scope& scope) {
   Variable made{Variable::Kind::slot, name, newSlot(name->text), nullptr};
-  if (unit_->outer && tree_.referenced.contains(name->folded)) made.kind = Variable::Kind::boxed;
+  if (isBoxed(name)) made.kind = Variable::Kind::boxed;
   if (scope.firstImplicit < 0) scope.firstImplicit = made.slot;
   scope.implicitCount = made.slot - scope.firstImplicit + 1;
   scope.variables.push_back(made);
@@ -152,7 +169,8 @@ void Compiler::store(const Variable& variable, bool wanted) {
 void Compiler::takeReference(const Variable& variable, const Place& place) {
   switch (variable.kind) {
     case Variable::Kind::slot:
-      code().keepsLocals = true;  // only the file's own code has plain slots that & is applied to
+      if (unit_->outer) compileError(place, u"Cannot take a reference of: " + variable.name->text);
+      code().keepsLocals = true;
       emit(Op::refSlot, 0, variable.slot);
       break;
     case Variable::Kind::boxed:
@@ -167,7 +185,9 @@ void Compiler::takeReference(const Variable& variable, const Place& place) {
     case Variable::Kind::global:
       emitConstant(Op::refGlobal, variable.global);
       break;
-    default:
+    case Variable::Kind::method:
+    case Variable::Kind::self:
+    case Variable::Kind::ownFunction:
       compileError(place, u"Cannot take a reference of: " + variable.name->text);
   }
 }

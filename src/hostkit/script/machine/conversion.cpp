@@ -5,17 +5,22 @@
 #include <cmath>
 #include <limits>
 
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/classes.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/printing.h"
 #include "hostkit/script/machine/streams.h"
-#include "hostkit/script/machine/times.h"
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/tuples.h"
 #include "hostkit/script/syntax/lexer.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
 namespace {
+
+std::int32_t rounded(double ticks) {
+  if (std::isnan(ticks)) return 0;
+  return static_cast<std::int32_t>(std::lround(std::clamp(ticks, double{std::numeric_limits<std::int32_t>::min()},
+                                                          double{std::numeric_limits<std::int32_t>::max()})));
+}
 
 [[noreturn]] void unable(Runtime& runtime, const Value& value, std::u16string_view type) {
   throwUnableToConvert(printed(runtime, value), type);
@@ -138,7 +143,7 @@ bool toBoolean(Runtime& runtime, const Value& value) {
 std::int32_t toTicks(Runtime& runtime, const Value& value) {
   if (value.tag == Tag::time) return value.i;
   if (!value.isNumber()) unable(runtime, value, u"Time");
-  return ticksOfFrames(toDouble(runtime, value), runtime.host());
+  return rounded(toDouble(runtime, value) * runtime.host().ticksPerFrame());
 }
 
 std::u16string_view toString(Runtime& runtime, const Value& value) {
@@ -210,9 +215,11 @@ Value readNumber(std::u16string_view text) {
       return Value::ofFloat(static_cast<float>(real));
     case NumberLiteral::Kind::doubleReal:
       return Value::ofDouble(real);
-    default:
-      return {};
+    case NumberLiteral::Kind::time:
+    case NumberLiteral::Kind::normalizedTime:
+      break;
   }
+  return {};
 }
 
 Value convert(Runtime& runtime, const Value& value, const Value& target) {
@@ -244,5 +251,15 @@ Value convert(Runtime& runtime, const Value& value, const Value& target) {
   if (name == u"bitarray" && as<ArrayObject>(value)) return toBits(runtime, *as<ArrayObject>(value));
   unable(runtime, value, type->title);
 }
+
+std::int32_t ticksOf(const NumberLiteral& time, HostBindings& host) {
+  if (time.kind == NumberLiteral::Kind::normalizedTime) {
+    const HostInterval segment = host.activeSegment();
+    return rounded(segment.start + time.number * (static_cast<double>(segment.end) - segment.start));
+  }
+  return rounded(time.ticks + time.frames * host.ticksPerFrame());
+}
+
+double framesOf(std::int32_t ticks, HostBindings& host) { return static_cast<double>(ticks) / host.ticksPerFrame(); }
 
 }  // namespace hostkit::script

@@ -5,7 +5,9 @@
 #include <optional>
 #include <string>
 
+#include "hostkit/script/machine/host_bindings.h"
 #include "hostkit/script/machine/runtime.h"
+#include "hostkit/script/syntax/token.h"
 
 namespace hostkit::script {
 
@@ -30,5 +32,9 @@ std::int32_t clampedInteger(double value);
 
 // A number as scripts write it, its type from the syntax; undefined when the text is none.
 Value readNumber(std::u16string_view text);
+
+// Times: 4800 ticks a second, frames by the host's frame rate.
+std::int32_t ticksOf(const NumberLiteral& time, HostBindings& host);
+double framesOf(std::int32_t ticks, HostBindings& host);
 
 }  // namespace hostkit::script

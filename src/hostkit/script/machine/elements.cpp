@@ -1,11 +1,12 @@
-// Elements and collections.
+#include "hostkit/script/machine/elements.h"
+
 #include <algorithm>
 
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/printing.h"
+#include "hostkit/script/machine/scene_nodes.h"
 
 namespace hostkit::script {
 namespace {

@@ -26,6 +26,15 @@ std::uint64_t stepLimit(const Runtime& runtime) {
 
 }  // namespace
 
+// How everything stood when a stretch began.
+struct Evaluator::Mark {
+  std::uintptr_t position = 0;  // in the native stack, which grows to lower addresses
+  Value* sp = nullptr;
+  std::size_t frames = 0, handlers = 0, contexts = 0, roots = 0, files = 0;
+  int nested = 0;
+  PortMark port;
+};
+
 Evaluator::Stretch::Stretch(Evaluator& evaluator) : evaluator_(evaluator) {
   const std::uintptr_t position = stackPosition();
   evaluator.dropAbandoned(position);
@@ -85,6 +94,8 @@ Evaluator::Evaluator(Runtime& runtime)
   frames_.reserve(kMaxFrames);
   runtime.heap().addRoots([this](Tracer& tracer) { traceRoots(tracer); });
 }
+
+Evaluator::~Evaluator() = default;
 
 void Evaluator::traceRoots(Tracer& tracer) const {
   for (const Value* each = stack_.get(); each != sp_; ++each) tracer.mark(*each);

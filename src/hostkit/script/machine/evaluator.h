@@ -7,7 +7,6 @@
 #include <span>
 #include <vector>
 
-#include "hostkit/script/machine/port_mark.h"
 #include "hostkit/script/machine/runtime.h"
 #include "hostkit/script/syntax/syntax_tree.h"
 
@@ -36,6 +35,9 @@ class Evaluator {
   };
 
   explicit Evaluator(Runtime& runtime);
+  ~Evaluator();
+  Evaluator(const Evaluator&) = delete;
+  Evaluator& operator=(const Evaluator&) = delete;
 
   Value run(CodeObject* code);
   Value call(const Value& callee, std::span<const Value> arguments, std::span<NameObject* const> keywordNames = {},
@@ -68,14 +70,7 @@ class Evaluator {
     std::int32_t time = 0;
     bool printAll = false;
   };
-  // How everything stood when a stretch began.
-  struct Mark {
-    std::uintptr_t position = 0;  // in the native stack, which grows to lower addresses
-    Value* sp = nullptr;
-    std::size_t frames = 0, handlers = 0, contexts = 0, roots = 0, files = 0;
-    int nested = 0;
-    PortMark port;
-  };
+  struct Mark;
   class Activation;
 
   void endStretches(std::size_t count);

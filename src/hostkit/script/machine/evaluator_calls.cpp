@@ -2,11 +2,12 @@
 #include <algorithm>
 #include <array>
 
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/classes.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/evaluator.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/printing.h"
+#include "hostkit/script/machine/properties.h"
 
 namespace hostkit::script {
 

@@ -1,8 +1,9 @@
 // The instructions, one case each.
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/evaluator.h"
 #include "hostkit/script/machine/operators.h"
+#include "hostkit/script/machine/properties.h"
 
 namespace hostkit::script {
 

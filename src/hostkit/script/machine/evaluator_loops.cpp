@@ -2,10 +2,9 @@
 // collection and the index. The loop's variable is the fourth slot.
 #include <limits>
 
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/evaluator.h"
-#include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/operators.h"
 #include "hostkit/script/machine/printing.h"
 

@@ -1,10 +1,11 @@
 // Boxed variables, references, members, and the instructions that make things.
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/evaluator.h"
-#include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/operators.h"
 #include "hostkit/script/machine/printing.h"
+#include "hostkit/script/machine/properties.h"
+#include "hostkit/script/machine/scene_nodes.h"
 
 namespace hostkit::script {
 

@@ -34,9 +34,7 @@ void Heap::makeRoom() {
 }
 
 void Heap::collect() {
-  ++collections_;
   markReachable();
-  for (const auto& table : weakTables_) table(*this);
   sweep();
   threshold_ = std::min(std::max(used_ * 2, used_ + kNursery), std::max(limit_, used_ + (std::size_t{1} << 20)));
 }

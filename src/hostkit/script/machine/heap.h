@@ -2,17 +2,53 @@
 // them in a Root while other values are made.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
-#include "hostkit/script/machine/free_lists.h"
-#include "hostkit/script/machine/object.h"
+#include <boost/pool/pool.hpp>
+
+#include "hostkit/script/machine/value.h"
 
 namespace hostkit::script {
+
+// Memory for many small objects that come and go: taken from and given back to a free list of their size.
+class FreeLists {
+ public:
+  // Under a sanitizer every object has memory of its own, so that use after the end is found.
+#ifdef CORVANTIS_SANITIZED
+  static constexpr bool kShared = false;
+#else
+  static constexpr bool kShared = true;
+#endif
+  static constexpr std::size_t kLargest = 256;  // bytes; more comes from the system
+
+  // Throws std::bad_alloc.
+  void* take(std::size_t size) {
+    if (!kShared || size > kLargest) return ::operator new(size);
+    std::unique_ptr<boost::pool<>>& list = lists_[listOf(size)];
+    if (!list) list = std::make_unique<boost::pool<>>((listOf(size) + 1) * kStep);
+    if (void* taken = list->malloc()) return taken;
+    throw std::bad_alloc();
+  }
+  // `size` as it was taken.
+  void giveBack(void* memory, std::size_t size) {
+    if (!kShared || size > kLargest) return ::operator delete(memory);
+    lists_[listOf(size)]->free(memory);
+  }
+
+ private:
+  static constexpr std::size_t kStep = 16;  // bytes from one list to the next
+  static std::size_t listOf(std::size_t size) { return (size - 1) / kStep; }
+
+  std::array<std::unique_ptr<boost::pool<>>, kLargest / kStep + 1> lists_;
+};
 
 class Heap {
  public:
@@ -44,16 +80,12 @@ class Heap {
   void grew(std::size_t bytes) { used_ += bytes; }
 
   void addRoots(std::function<void(Tracer&)> source) { rootSources_.push_back(std::move(source)); }
-  // Runs when what is reachable is known and before the rest goes, for tables that hold objects weakly.
-  void addWeakTable(std::function<void(const Heap&)> sweep) { weakTables_.push_back(std::move(sweep)); }
-  bool isMarked(const Object* object) const { return object->marked_; }
   void collect();
   // Values that Roots keep: how many there are, and back to so many when those who made the others were abandoned.
   std::size_t roots() const { return roots_.size(); }
   void dropRoots(std::size_t count) {
     while (roots_.size() > count) roots_.pop_back();
   }
-  std::size_t collections() const { return collections_; }
   std::size_t liveObjects() const { return count_; }
 
  private:
@@ -77,10 +109,9 @@ class Heap {
   std::size_t limit_;
   FreeLists lists_;
   Object* first_ = nullptr;
-  std::size_t used_ = 0, threshold_ = kNursery, count_ = 0, collections_ = 0;
+  std::size_t used_ = 0, threshold_ = kNursery, count_ = 0;
   std::deque<Value> roots_;  // a value stays where it is when others come and go
   std::vector<std::function<void(Tracer&)>> rootSources_;
-  std::vector<std::function<void(const Heap&)>> weakTables_;
 };
 
 // Keeps one value alive for a stretch of native code. Last made, first gone. The value is the heap's: a Root whose

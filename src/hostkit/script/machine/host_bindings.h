@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -100,6 +101,22 @@ class HostBindings : public HostObject {
 
   // Messages that a user interface would have shown.
   virtual void log(std::u16string_view) {}
+};
+
+// How a host wants its scripts run.
+struct EngineOptions {
+  // Receives what scripts print.
+  std::function<void(std::u16string_view)> listener;
+  // Folders searched by fileIn and include after the path as given; the first one is what getDir #scripts answers.
+  std::vector<std::u16string> scriptFolders;
+  // Collect garbage at every allocation. Also switched on by CORVANTIS_GC_STRESS=1.
+  bool collectAlways = false;
+  // Loop rounds and calls after which a script fails; 0: no limit.
+  std::uint64_t stepLimit = 0;
+  // Bytes of live values after which a script fails.
+  std::size_t heapLimit = std::size_t{2} << 30;
+  // Without it createFile, deleteFile and their like fail: for running scripts that nobody has vouched for.
+  bool fileAccess = true;
 };
 
 }  // namespace hostkit::script

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/port.h"
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/tuples.h"
 
 namespace hostkit::script {
 namespace {
@@ -66,7 +66,10 @@ HostValue objectToHost(Runtime& runtime, const Value& value) {
         const auto q = quatOf(*tuple);
         return HostQuat{q[0], q[1], q[2], q[3]};
       }
-      default:
+      case TupleKind::point2:
+      case TupleKind::point4:
+      case TupleKind::ray:
+      case TupleKind::box2:
         break;
     }
   }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "hostkit/script/machine/free_lists.h"
+#include "hostkit/script/machine/heap.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

@@ -11,7 +11,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <boost/smart_ptr/intrusive_ref_counter.hpp>
 
-#include "hostkit/script/machine/object.h"
+#include "hostkit/script/machine/value.h"
 
 namespace hostkit::script {
 
@@ -76,15 +76,28 @@ struct BitArrayObject : Object {
   std::vector<bool> bits;
 };
 
-// A value made of a few floats, changed in place by its properties.
+// Values made of a few floats, changed in place by their properties.
 enum class TupleKind : std::uint8_t { point2, point3, point4, color, quat, eulerAngles, angleAxis, ray, box2, matrix3 };
+struct TupleShape {
+  std::u16string_view word;  // as it prints; the class has the same name, caseless
+  std::size_t size;          // floats
+};
+// In the order of the kinds.
+inline constexpr std::array<TupleShape, 10> kTupleShapes{{{u"point2", 2},
+                                                          {u"point3", 3},
+                                                          {u"point4", 4},
+                                                          {u"color", 4},
+                                                          {u"quat", 4},
+                                                          {u"eulerAngles", 3},
+                                                          {u"angleAxis", 4},
+                                                          {u"ray", 6},
+                                                          {u"box2", 4},
+                                                          {u"matrix3", 12}}};
 struct TupleObject : Object {
   static constexpr Kind kKind = Kind::tuple;
   TupleObject(TupleKind tupleKind, std::array<float, 12> values) : Object(kKind), tuple(tupleKind), v(values) {}
-  std::size_t size() const {
-    static constexpr std::array<std::size_t, 10> kSizes{2, 3, 4, 4, 4, 3, 4, 6, 4, 12};
-    return kSizes[static_cast<std::size_t>(tuple)];
-  }
+  const TupleShape& shape() const { return kTupleShapes[static_cast<std::size_t>(tuple)]; }
+  std::size_t size() const { return shape().size; }
   bool isPoint() const { return tuple <= TupleKind::point4; }
   const TupleKind tuple;
   std::array<float, 12> v;  // matrix3: three axes, then the translation

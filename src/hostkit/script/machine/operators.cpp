@@ -1,16 +1,15 @@
-// Numbers, texts and collections. Points, matrices and their like: tuple_operators.cpp.
+// Numbers, texts and collections. Points, matrices and their like: tuples.cpp.
 #include "hostkit/script/machine/operators.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "hostkit/script/machine/access.h"
 #include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/printing.h"
-#include "hostkit/script/machine/times.h"
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/tuples.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

@@ -6,10 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "hostkit/script/machine/access.h"
-#include "hostkit/script/machine/printing_parts.h"
+#include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/streams.h"
-#include "hostkit/script/machine/times.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
@@ -46,45 +44,47 @@ class Collecting : public hostsdk::CharStream {
   std::u16string collected;
 };
 
-}  // namespace
-
-// Magnitudes below the smallest step from 1 count as nothing.
+// %g with six digits; with ".0" when nothing shows that it is no whole number. Magnitudes below the smallest step from
+// 1 count as nothing.
 std::u16string floatText(float value) {
   if (std::fabs(value) < 1.192092896e-07F) return u"0.0";
   return withPoint(formatted("%g", double{value}));
 }
 
+// Bare %g, as inside points.
 std::u16string componentText(float value) { return formatted("%g", value == 0.0F ? 0.0 : double{value}); }
 
 std::u16string doubleText(double value) { return withPoint(formatted("%.15g", value)) + u"d0"; }
+
+// Builds one printed form, part by part.
+struct Printer {
+  explicit Printer(Runtime& printingRuntime) : runtime(printingRuntime) {}
+  // Deeper values, and values within themselves, print as "...".
+  static constexpr std::size_t kMaxDepth = 24;
+  static constexpr std::size_t kMaxPrinted = std::size_t{1} << 24;  // code units; more is a script error
+
+  void print(const Value& value);
+  void object(const Object& o);
+  void array(const ArrayObject& o);
+  void bits(const BitArrayObject& o);
+  void components(const TupleObject& o, std::size_t from, std::size_t count, char16_t separator);
+  void tuple(const TupleObject& o);
+  void dictionary(const DictionaryObject& o);
+  void pair(const DataPairObject& o);
+  void structure(const StructObject& o);
+  void instance(const InstanceObject& o);
+
+  Runtime& runtime;
+  std::u16string out;
+  std::vector<const Object*> printing;  // from the outermost in
+};
+
+}  // namespace
 
 std::u16string printedText(const hostsdk::MAXScriptException& error) {
   Collecting stream;
   error.sprin1(stream);
   return stream.collected;
-}
-
-void Printer::number(const Value& value) {
-  switch (value.tag) {
-    case Tag::integer:
-      out += widen(std::to_string(value.i));
-      break;
-    case Tag::integer64:
-      out += widen(std::to_string(value.l)) + u"L";
-      break;
-    case Tag::integerPtr:
-      out += widen(std::to_string(value.l)) + u"P";
-      break;
-    case Tag::real:
-      out += floatText(value.f);
-      break;
-    case Tag::doubleReal:
-      out += doubleText(value.d);
-      break;
-    default:
-      out += componentText(static_cast<float>(framesOf(value.i, runtime.host()))) + u"f";
-      break;
-  }
 }
 
 void Printer::print(const Value& value) {
@@ -107,11 +107,26 @@ void Printer::print(const Value& value) {
     case Tag::boolean:
       out += value.b ? u"true" : u"false";
       return;
+    case Tag::integer:
+      out += widen(std::to_string(value.i));
+      return;
+    case Tag::integer64:
+      out += widen(std::to_string(value.l)) + u"L";
+      return;
+    case Tag::integerPtr:
+      out += widen(std::to_string(value.l)) + u"P";
+      return;
+    case Tag::real:
+      out += floatText(value.f);
+      return;
+    case Tag::doubleReal:
+      out += doubleText(value.d);
+      return;
+    case Tag::time:
+      out += componentText(static_cast<float>(framesOf(value.i, runtime.host()))) + u"f";
+      return;
     case Tag::object:
       break;
-    default:
-      number(value);
-      return;
   }
   const bool within = std::find(printing.begin(), printing.end(), value.o) != printing.end();
   if (within || printing.size() >= kMaxDepth) {
@@ -143,9 +158,9 @@ void Printer::object(const Object& o) {
       break;
     case Kind::interval:
       out += u"(interval ";
-      number(Value::ofTime(static_cast<const IntervalObject&>(o).start));
+      print(Value::ofTime(static_cast<const IntervalObject&>(o).start));
       out += u' ';
-      number(Value::ofTime(static_cast<const IntervalObject&>(o).end));
+      print(Value::ofTime(static_cast<const IntervalObject&>(o).end));
       out += u')';
       break;
     case Kind::dictionary:
@@ -247,15 +262,13 @@ void Printer::components(const TupleObject& o, std::size_t from, std::size_t cou
 }
 
 void Printer::tuple(const TupleObject& o) {
-  static constexpr std::array<std::u16string_view, 10> kNames{
-      u"", u"", u"", u"color", u"quat", u"eulerAngles", u"angleAxis", u"ray", u"box2", u"matrix3"};
   if (o.isPoint()) {
     out += u'[';
     components(o, 0, o.size(), u',');
     out += u']';
     return;
   }
-  out += u'(' + std::u16string(kNames[static_cast<std::size_t>(o.tuple)]) + u' ';
+  out += u'(' + std::u16string(o.shape().word) + u' ';
   if (o.tuple == TupleKind::matrix3 || o.tuple == TupleKind::ray) {
     for (std::size_t row = 0; row * 3 < o.size(); ++row) {
       if (row > 0) out += u' ';

@@ -15,12 +15,6 @@ std::u16string printed(Runtime& runtime, const Value& value);
 // everything else.
 std::u16string asText(Runtime& runtime, const Value& value);
 
-// %g with six digits; with ".0" when nothing shows that it is no whole number.
-std::u16string floatText(float value);
-// Bare %g, as inside points.
-std::u16string componentText(float value);
-std::u16string doubleText(double value);
-
 // The listener's text of a native error.
 std::u16string printedText(const hostsdk::MAXScriptException& error);
 

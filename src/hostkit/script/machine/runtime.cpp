@@ -2,8 +2,6 @@
 
 #include <filesystem>
 
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/library/constants.h"
 #include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/compiler.h"
 #include "hostkit/script/machine/evaluator.h"
@@ -23,15 +21,15 @@ bool stressWanted(const EngineOptions& options) {
 
 }  // namespace
 
-Runtime::Runtime(HostBindings& host, EngineOptions options)
+Runtime::Runtime(HostBindings& host, EngineOptions options, const Library& library)
     : host_(host), options_(std::move(options)), heap_(stressWanted(options_), options_.heapLimit) {
   if (!options_.listener) options_.listener = [](std::u16string_view) {};
   heap_.addRoots([this](Tracer& tracer) { traceRoots(tracer); });
-  classes_ = std::make_unique<Classes>(*this);
+  classes_ = std::make_unique<Classes>(*this, library.classes);
   evaluator_ = std::make_unique<Evaluator>(*this);
   port_ = std::make_unique<Port>(*this);
-  defineConstants(*this);
-  defineBuiltins();
+  library.defineConstants(*this);
+  for (const auto& family : library.functions) defineFunctions(family);
   defineHostGlobals();
   heap_.start();
 }
@@ -51,19 +49,17 @@ void Runtime::traceRoots(Tracer& tracer) const {
   }
 }
 
-void Runtime::defineBuiltins() {
-  for (const BuiltinFamily& family : builtinFamilies()) {
-    for (const BuiltinEntry& entry : family.entries) {
-      const std::size_t dot = entry.name.find(u'.');
-      const Root made(heap_, heap_.make<BuiltinObject>(entry));
-      if (dot == std::u16string_view::npos) {
-        addGlobal(name(entry.name))->value = made.value;
-        continue;
-      }
-      GlobalObject* holder = addGlobal(name(entry.name.substr(0, dot)));
-      if (!as<NamespaceObject>(holder->value)) holder->value = heap_.make<NamespaceObject>(holder->name);
-      as<NamespaceObject>(holder->value)->functions[name(entry.name.substr(dot + 1))] = as<BuiltinObject>(made.value);
+void Runtime::defineFunctions(std::span<const BuiltinEntry> family) {
+  for (const BuiltinEntry& entry : family) {
+    const std::size_t dot = entry.name.find(u'.');
+    const Root made(heap_, heap_.make<BuiltinObject>(entry));
+    if (dot == std::u16string_view::npos) {
+      addGlobal(name(entry.name))->value = made.value;
+      continue;
     }
+    GlobalObject* holder = addGlobal(name(entry.name.substr(0, dot)));
+    if (!as<NamespaceObject>(holder->value)) holder->value = heap_.make<NamespaceObject>(holder->name);
+    as<NamespaceObject>(holder->value)->functions[name(entry.name.substr(dot + 1))] = as<BuiltinObject>(made.value);
   }
 }
 
@@ -114,6 +110,12 @@ StringObject* Runtime::joined(const StringObject& head, std::u16string_view tail
 GlobalObject* Runtime::findGlobal(const NameObject* name) {
   const auto found = globals_.find(name);
   return found == globals_.end() ? nullptr : found->second;
+}
+
+std::vector<const GlobalObject*> Runtime::globals() const {
+  std::vector<const GlobalObject*> all;
+  for (const auto& [name, global] : globals_) all.push_back(global);
+  return all;
 }
 
 GlobalObject* Runtime::addGlobal(NameObject* name) {
@@ -188,7 +190,7 @@ Value Runtime::runSource(const std::shared_ptr<const Source>& source) {
     Tree tree;
     Node* expression = parser.nextExpression(tree);
     if (!expression) return result.value;
-    const Root code(heap_, Compiler::compile(*this, tree, {&expression, 1}));
+    const Root code(heap_, Compiler::compile(*this, {&expression, 1}));
     result.value = evaluator_->run(static_cast<CodeObject*>(code.value.o));
   }
 }

@@ -5,12 +5,12 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "hostkit/script/engine/engine.h"
 #include "hostkit/script/machine/heap.h"
 #include "hostkit/script/machine/host_bindings.h"
 #include "hostkit/script/machine/structures.h"
@@ -23,6 +23,13 @@ class Evaluator;
 class Port;
 struct Classes;
 
+// What a runtime is furnished with.
+struct Library {
+  std::vector<std::span<const BuiltinEntry>> functions;
+  std::vector<ClassRow> classes;
+  void (*defineConstants)(Runtime& runtime) = nullptr;
+};
+
 // A script registered with callbacks.addScript.
 struct CallbackScript {
   std::u16string event;  // lower case
@@ -33,7 +40,8 @@ struct CallbackScript {
 
 class Runtime {
  public:
-  Runtime(HostBindings& host, EngineOptions options);
+  // `host` is borrowed.
+  Runtime(HostBindings& host, EngineOptions options, const Library& library);
   ~Runtime();
   Runtime(const Runtime&) = delete;
   Runtime& operator=(const Runtime&) = delete;
@@ -52,7 +60,8 @@ class Runtime {
 
   // Globals by name; null when there is none.
   GlobalObject* findGlobal(const NameObject* name);
-  GlobalObject* addGlobal(NameObject* name);  // an existing one is returned as it is
+  std::vector<const GlobalObject*> globals() const;  // all of them, in no order
+  GlobalObject* addGlobal(NameObject* name);         // an existing one is returned as it is
   void removeGlobal(const NameObject* name) { globals_.erase(name); }
   void setConstant(std::u16string_view name, Value value);
   Value readGlobal(GlobalObject& global);
@@ -81,7 +90,7 @@ class Runtime {
 
  private:
   void traceRoots(Tracer& tracer) const;
-  void defineBuiltins();
+  void defineFunctions(std::span<const BuiltinEntry> family);
   void defineHostGlobals();
 
   HostBindings& host_;

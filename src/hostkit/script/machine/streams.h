@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "hostkit/script/machine/object.h"
+#include "hostkit/script/machine/value.h"
 
 namespace hostkit::script {
 

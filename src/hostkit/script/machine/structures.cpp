@@ -1,3 +1,4 @@
+// What code, functions and structures hold, and look-up in them.
 #include "hostkit/script/machine/structures.h"
 
 namespace hostkit::script {

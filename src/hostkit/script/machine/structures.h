@@ -82,6 +82,18 @@ struct ClassObject : Object {
   std::vector<Property> properties;
 };
 
+// A class and its properties as a table tells them.
+struct PropertyRow {
+  std::u16string_view name;
+  ClassObject::Getter get;
+  ClassObject::Setter set = nullptr;
+};
+struct ClassRow {
+  std::u16string_view name, super;  // no superclass: Value
+  BuiltinFunction constructor;      // null: none
+  std::vector<PropertyRow> properties;
+};
+
 // A built-in collection of functions and settings: `bit`, `systemTools`, `callbacks`.
 struct NamespaceObject : Object {
   static constexpr Kind kKind = Kind::nameSpace;

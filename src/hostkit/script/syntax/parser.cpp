@@ -4,7 +4,6 @@
 #include <array>
 
 #include "hostkit/script/syntax/errors.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
@@ -268,8 +267,6 @@ Node* ScriptParser::argument() {
   if (!isSymbol(u"&")) return signedOperand();
   auto* made = tree_->make<UnaryNode>(take().place, NodeKind::reference);
   made->operand = operand();
-  if (made->operand->kind == NodeKind::variable)
-    tree_->referenced.insert(fold(static_cast<const WordNode*>(made->operand)->text));
   return made;
 }
 

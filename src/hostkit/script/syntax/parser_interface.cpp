@@ -5,7 +5,6 @@
 
 #include "hostkit/script/syntax/errors.h"
 #include "hostkit/script/syntax/parser.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

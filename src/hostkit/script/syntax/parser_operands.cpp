@@ -1,7 +1,6 @@
 // Operands: literals, variables, brackets, and what is hung on them with '.' and '[ ]'.
 #include "hostkit/script/syntax/errors.h"
 #include "hostkit/script/syntax/parser.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {
@@ -38,9 +37,11 @@ bool ScriptParser::startsOperand(const Token& token) {
       return isOperandWord(token.text);
     case TokenKind::symbol:
       return token.text == u"(" || token.text == u"[" || token.text == u"::" || token.text == u"?";
-    default:
-      return false;
+    case TokenKind::end:
+    case TokenKind::invalid:
+      break;
   }
+  return false;
 }
 
 Node* ScriptParser::operand() { return accessors(factor()); }
@@ -112,7 +113,8 @@ Node* ScriptParser::factor() {
       return bitArrayLiteral();
     case TokenKind::symbol:
       break;
-    default:
+    case TokenKind::end:
+    case TokenKind::invalid:
       fail(u"<factor>");
   }
   if (token.text == u"(") return block();

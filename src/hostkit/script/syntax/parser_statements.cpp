@@ -1,7 +1,6 @@
 // Statements: declarations, conditionals, loops, case and try.
 #include "hostkit/script/syntax/errors.h"
 #include "hostkit/script/syntax/parser.h"
-#include "hostkit/script/syntax/parser_nesting.h"
 #include "hostkit/script/syntax/text.h"
 
 namespace hostkit::script {

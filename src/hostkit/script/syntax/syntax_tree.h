@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -216,9 +216,6 @@ struct DefinitionNode : Node {
 // Owns the nodes of one parse.
 class Tree {
  public:
-  // Variables that some & takes a reference of, in lower case.
-  std::set<std::u16string> referenced;
-
   template <class T, class... A>
   T* make(const Place& place, A&&... arguments) {
     auto owned = std::make_unique<T>(std::forward<A>(arguments)...);
@@ -231,5 +228,8 @@ class Tree {
  private:
   std::vector<std::unique_ptr<Node>> nodes_;
 };
+
+// The nodes directly below a node, in the order of the text.
+void forEachChild(const Node& node, const std::function<void(const Node&)>& visit);
 
 }  // namespace hostkit::script

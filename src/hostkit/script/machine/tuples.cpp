@@ -1,5 +1,5 @@
 // Row vectors: a point times a matrix is the point transformed; a * b applies a first.
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/tuples.h"
 
 #include <cmath>
 #include <numbers>

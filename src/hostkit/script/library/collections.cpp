@@ -1,16 +1,39 @@
-// Arrays. Positions count from 1.
+// Arrays and dictionaries. Positions count from 1.
 #include <algorithm>
+#include <vector>
 
-#include "hostkit/script/library/builtins.h"
-#include "hostkit/script/library/sorting.h"
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/evaluator.h"
 #include "hostkit/script/machine/operators.h"
 #include "hostkit/script/machine/printing.h"
 
 namespace hostkit::script {
 namespace {
+
+// A stable merge sort that survives whatever the comparison does: scripts may write comparisons that contradict
+// themselves, change the array, or fail half-way.
+// Sorts items[from, to). `less` may throw; the array is then as it was.
+template <class Less>
+void mergeSort(Runtime& runtime, ArrayObject& array, std::size_t from, std::size_t to, const Less& less) {
+  const Root kept(runtime.heap(), runtime.heap().make<ArrayObject>());
+  auto& items = static_cast<ArrayObject*>(kept.value.o)->items;
+  items.assign(array.items.begin() + static_cast<std::ptrdiff_t>(from),
+               array.items.begin() + static_cast<std::ptrdiff_t>(to));
+  std::vector<Value> merged(items.size());
+  for (std::size_t width = 1; width < items.size(); width *= 2) {
+    for (std::size_t left = 0; left < items.size(); left += 2 * width) {
+      const std::size_t middle = std::min(left + width, items.size()), right = std::min(left + 2 * width, items.size());
+      std::size_t a = left, b = middle;
+      for (std::size_t out = left; out < right; ++out)
+        merged[out] = b >= right || (a < middle && !less(items[b], items[a])) ? items[a++] : items[b++];
+    }
+    items.swap(merged);
+  }
+  if (to <= array.items.size())
+    std::copy(items.begin(), items.end(), array.items.begin() + static_cast<std::ptrdiff_t>(from));
+}
 
 std::size_t find(Runtime& runtime, const ArrayObject& array, const Value& value) {
   for (std::size_t i = 0; i < array.items.size(); ++i)
@@ -150,6 +173,26 @@ Value makeUniqueArray(const Call& call) {
   return made.value;
 }
 
+// Dictionaries
+
+DictionaryObject& dictionary(const Call& call) {
+  auto* found = as<DictionaryObject>(call[0]);
+  if (!found) throwUnableToConvert(printed(call.runtime, call[0]), u"Dictionary");
+  return *found;
+}
+
+Value hasKey(const Call& call) { return Value::ofBoolean(dictionary(call).find(call[1]) != nullptr); }
+Value getValue(const Call& call) {
+  dictionary(call);
+  return getElement(call.runtime, call[0], call[1]);
+}
+Value setValue(const Call& call) {
+  dictionary(call);
+  setElement(call.runtime, call[0], call[1], call[2]);
+  return call[2];
+}
+Value removeValue(const Call& call) { return Value::ofBoolean(dictionary(call).remove(call[1])); }
+
 constexpr BuiltinEntry kEntries[] = {
     {u"append", 2, 2, append},
     {u"appendIfUnique", 2, 2, appendIfUnique},
@@ -162,10 +205,14 @@ constexpr BuiltinEntry kEntries[] = {
     {u"amin", 0, -1, extreme<true>},
     {u"amax", 0, -1, extreme<false>},
     {u"makeUniqueArray", 1, 1, makeUniqueArray},
+    {u"hasDictValue", 2, 2, hasKey},
+    {u"getDictValue", 2, 2, getValue},
+    {u"setDictValue", 3, 3, setValue},
+    {u"removeDictValue", 2, 2, removeValue},
 };
 
 }  // namespace
 
-std::span<const BuiltinEntry> arrayBuiltins() { return kEntries; }
+std::span<const BuiltinEntry> collectionBuiltins() { return kEntries; }
 
 }  // namespace hostkit::script

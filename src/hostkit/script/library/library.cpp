@@ -1,13 +1,12 @@
-#include "hostkit/script/library/constants.h"
+#include "hostkit/script/library/library.h"
 
 #include <array>
 #include <chrono>
 #include <numbers>
 
-#include "hostkit/script/library/dates.h"
-#include "hostkit/script/library/system_info.h"
 #include "hostkit/script/machine/conversion.h"
-#include "hostkit/script/machine/tuple_operators.h"
+#include "hostkit/script/machine/scene_nodes.h"
+#include "hostkit/script/machine/tuples.h"
 
 namespace hostkit::script {
 namespace {
@@ -35,21 +34,7 @@ Value localTime(Runtime& runtime) {
   return runtime.newString(dateText(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
 }
 
-struct NamedSet {
-  std::u16string_view name;
-  NodeSetObject::Which which;
-  std::u16string_view superClass;
-};
-constexpr std::array<NamedSet, 7> kSets{{{u"objects", NodeSetObject::Which::all, u""},
-                                         {u"geometry", NodeSetObject::Which::ofClass, u"GeometryClass"},
-                                         {u"lights", NodeSetObject::Which::ofClass, u"light"},
-                                         {u"cameras", NodeSetObject::Which::ofClass, u"camera"},
-                                         {u"helpers", NodeSetObject::Which::ofClass, u"helper"},
-                                         {u"shapes", NodeSetObject::Which::ofClass, u"shape"},
-                                         {u"selection", NodeSetObject::Which::selected, u""}}};
-
-}  // namespace
-
+// Constants that every script can use, and the built-in structures that hold settings.
 void defineConstants(Runtime& runtime) {
   runtime.setConstant(u"true", Value::ofBoolean(true));
   runtime.setConstant(u"false", Value::ofBoolean(false));
@@ -65,7 +50,7 @@ void defineConstants(Runtime& runtime) {
   runtime.setConstant(u"z_axis", newPoint3(runtime, 0, 0, 1));
   for (const NamedColor& each : kColors)
     runtime.setConstant(each.name, newTuple(runtime, TupleKind::color, {each.r, each.g, each.b, 255}));
-  for (const NamedSet& each : kSets)
+  for (const NamedNodeSet& each : namedNodeSets())
     runtime.setConstant(each.name, runtime.heap().make<NodeSetObject>(each.which, std::u16string(each.superClass)));
   GlobalObject* now = runtime.addGlobal(runtime.name(u"localTime"));
   now->compute = localTime;
@@ -75,6 +60,24 @@ void defineConstants(Runtime& runtime) {
   options->value = space;
   space->properties.push_back({runtime.name(u"printAllElements"), printsAll, setPrintsAll});
   defineSystemInfo(runtime);
+}
+
+}  // namespace
+
+Library standardLibrary() {
+  Library library;
+  library.functions = {stringBuiltins(),     collectionBuiltins(),   mathBuiltins(),       geometryBuiltins(),
+                       textStreamBuiltins(), binaryStreamBuiltins(), fileSystemBuiltins(), iniBuiltins(),
+                       systemBuiltins(),     scriptBuiltins(),       classBuiltins(),      sceneBuiltins(),
+                       interfaceBuiltins()};
+  library.classes = plainClassRows();
+  for (ClassRow& row : geometricClassRows()) library.classes.push_back(std::move(row));
+  library.defineConstants = defineConstants;
+  return library;
+}
+
+void requireFileAccess(Runtime& runtime) {
+  if (!runtime.options().fileAccess) throwRuntimeError(u"File access is switched off in this host");
 }
 
 }  // namespace hostkit::script

@@ -1,4 +1,4 @@
-#include "hostkit/script/machine/handles.h"
+// What plug-ins can do with the values that they hold.
 
 #include "hostkit/script/machine/compiler.h"
 #include "hostkit/script/machine/evaluator.h"
@@ -107,7 +107,7 @@ hostsdk::Value* ParserHandle::compile_all(hostsdk::CharStream* source) {
     NodeList expressions;
     while (Node* expression = parser.nextExpression(tree)) expressions.push_back(expression);
     if (expressions.empty()) return nullptr;
-    return port.publish(Compiler::compile(runtime, tree, expressions));
+    return port.publish(Compiler::compile(runtime, expressions));
   } catch (const ScriptError& error) {
     runtime.report(errorReport(error, u"FileIn"));
     throw;

@@ -1,7 +1,7 @@
-// Properties. Elements and collections: elements.cpp.
-#include "hostkit/script/machine/access.h"
+#include "hostkit/script/machine/properties.h"
 
 #include "hostkit/script/machine/classes.h"
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/port.h"
 #include "hostkit/script/machine/printing.h"

@@ -1,7 +1,9 @@
-// $name, $parent/child and $wild*: finding nodes.
-#include <algorithm>
+#include "hostkit/script/machine/scene_nodes.h"
 
-#include "hostkit/script/machine/access.h"
+#include <algorithm>
+#include <array>
+
+#include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/syntax/text.h"
 
@@ -80,16 +82,6 @@ bool matches(const NodePointer& node, const Path& path, std::size_t levels) {
   return false;
 }
 
-struct NamedSet {
-  std::u16string_view word, superClass;
-};
-constexpr std::array<NamedSet, 6> kNamedSets{{{u"objects", u""},
-                                              {u"geometry", u"GeometryClass"},
-                                              {u"lights", u"light"},
-                                              {u"cameras", u"camera"},
-                                              {u"helpers", u"helper"},
-                                              {u"shapes", u"shape"}}};
-
 std::vector<NodePointer> selectedNodes(Runtime& runtime) {
   std::vector<NodePointer> nodes = runtime.host().nodes();
   std::erase_if(nodes, [](const NodePointer& node) {
@@ -100,20 +92,44 @@ std::vector<NodePointer> selectedNodes(Runtime& runtime) {
   return nodes;
 }
 
+bool isOfClass(const NodePointer& node, std::u16string_view superClass) {
+  return superClass.empty() || equalFolded(node->superClassName(), superClass);
+}
+
+// Takes the first level off a path when it names a set ($lights/key*) and gives that set's superclass.
+std::u16string_view takeSetLevel(Path& path) {
+  if (path.levels.size() < 2) return {};
+  for (const NamedNodeSet& named : namedNodeSets()) {
+    if (named.which == NodeSetObject::Which::selected || !equalFolded(path.levels.front().pattern, named.name))
+      continue;
+    path.levels.erase(path.levels.begin());
+    return named.superClass;
+  }
+  return {};
+}
+
 }  // namespace
 
+std::span<const NamedNodeSet> namedNodeSets() {
+  using Which = NodeSetObject::Which;
+  static constexpr NamedNodeSet kSets[] = {
+      {u"objects", Which::all, u""},           {u"geometry", Which::ofClass, u"GeometryClass"},
+      {u"lights", Which::ofClass, u"light"},   {u"cameras", Which::ofClass, u"camera"},
+      {u"helpers", Which::ofClass, u"helper"}, {u"shapes", Which::ofClass, u"shape"},
+      {u"selection", Which::selected, u""}};
+  return kSets;
+}
+
 Value resolvePath(Runtime& runtime, const std::u16string& text) {
-  if (text.empty() || equalFolded(text, u"selection")) {
+  if (text.empty()) {
     const auto selected = selectedNodes(runtime);
-    if (selected.empty() && text.empty()) return {};
-    if (selected.size() == 1 && text.empty()) return fromHost(runtime, selected.front());
+    if (selected.empty()) return {};
+    if (selected.size() == 1) return fromHost(runtime, selected.front());
     return runtime.heap().make<NodeSetObject>(NodeSetObject::Which::selected, u"");
   }
-  for (const NamedSet& set : kNamedSets)
-    if (equalFolded(text, set.word))
-      return runtime.heap().make<NodeSetObject>(
-          set.superClass.empty() ? NodeSetObject::Which::all : NodeSetObject::Which::ofClass,
-          std::u16string(set.superClass));
+  for (const NamedNodeSet& set : namedNodeSets())
+    if (equalFolded(text, set.name))
+      return runtime.heap().make<NodeSetObject>(set.which, std::u16string(set.superClass));
   const Path path = readPath(text);
   if (path.isPattern) return runtime.heap().make<NodeSetObject>(NodeSetObject::Which::path, text);
   for (const auto& node : runtime.host().nodes())
@@ -123,28 +139,17 @@ Value resolvePath(Runtime& runtime, const std::u16string& text) {
 
 Value nodesOf(Runtime& runtime, const NodeSetObject& set) {
   Path path;
-  if (set.which == NodeSetObject::Which::path) path = readPath(set.text);
-  if (path.levels.size() > 1) {  // $lights/key* : the first level may be a set
-    for (const NamedSet& named : kNamedSets) {
-      if (!equalFolded(path.levels.front().pattern, named.word)) continue;
-      path.levels.erase(path.levels.begin());
-      if (path.levels.empty()) break;
-      const Root made(runtime.heap(), runtime.heap().make<ArrayObject>());
-      for (const auto& node : runtime.host().nodes())
-        if ((named.superClass.empty() || equalFolded(node->superClassName(), named.superClass)) &&
-            matches(node, path, path.levels.size()))
-          appendTo(runtime, *as<ArrayObject>(made.value), fromHost(runtime, node));
-      return made.value;
-    }
+  std::u16string_view superClass;
+  if (set.which == NodeSetObject::Which::ofClass) superClass = set.text;
+  if (set.which == NodeSetObject::Which::path) {
+    path = readPath(set.text);
+    superClass = takeSetLevel(path);
   }
-  const auto nodes = set.which == NodeSetObject::Which::selected ? selectedNodes(runtime) : runtime.host().nodes();
   const Root made(runtime.heap(), runtime.heap().make<ArrayObject>());
-  for (const auto& node : nodes) {
-    const bool belongs = set.which == NodeSetObject::Which::ofClass ? equalFolded(node->superClassName(), set.text)
-                         : set.which == NodeSetObject::Which::path  ? matches(node, path, path.levels.size())
-                                                                    : true;
-    if (belongs) appendTo(runtime, *as<ArrayObject>(made.value), fromHost(runtime, node));
-  }
+  const bool ofSelected = set.which == NodeSetObject::Which::selected;
+  for (const auto& node : ofSelected ? selectedNodes(runtime) : runtime.host().nodes())
+    if (isOfClass(node, superClass) && matches(node, path, path.levels.size()))
+      appendTo(runtime, *as<ArrayObject>(made.value), fromHost(runtime, node));
   return made.value;
 }
 
