@@ -10,6 +10,7 @@
 #include "hostkit/script/engine/engine.h"
 #include "hostkit/script/machine/runtime.h"
 #include "hostkit/script/syntax/text.h"
+#include "support/build_folders.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ Names builtIn() {
 
 // The names in the second column of the section's table.
 Names documented() {
-  std::ifstream page(CORVANTIS_SOURCE_DIR "/docs/scripting.md");
+  std::ifstream page(support::sourceFolder() + "/docs/scripting.md");
   Names names;
   bool inside = false;
   for (std::string line; std::getline(page, line);) {
