@@ -64,7 +64,7 @@ double ownTime(const Work& work) {
     const RunResult result = engine.runText(work.ours);
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
     if (!result.succeeded) {
-      std::cerr << toUtf8(result.errorText);
+      std::cerr << hostkit::toUtf8(result.errorText);
       std::exit(1);
     }
     best = std::min(best, taken.count());

@@ -1,4 +1,4 @@
-// The tables of docs/image-files.md and docs/scene-settings.md, held against those of the programs.
+// The tables of docs/image-files.md, docs/protocol.md and docs/scene-settings.md, held against those of the programs.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -104,6 +104,25 @@ TEST(SceneSettingsPage, NamesTheKeysThatAreRead) {
   const auto read =
       matches(textOf("src/standin/scene/settings.cpp"), R"re((?:\bread\w*|reader\.find)\((?:reader, )?"(\w+)")re");
   EXPECT_EQ(std::set<std::string>(read.begin(), read.end()), named);
+}
+
+// The words are constants without a list: their header is read as a text.
+TEST(ProtocolPage, NamesTheWordsOfTheWire) {
+  const std::string words = textOf("src/protocol/words.h"), page = textOf("docs/protocol.md");
+  const auto spelledIn = [&](const char* scope) {
+    const std::size_t start = words.find(std::string("namespace ") + scope + " {");
+    const auto found =
+        matches(words.substr(start, words.find("}  // namespace", start) - start), " = \"([A-Za-z]+) ?\"");
+    return std::set<std::string>(found.begin(), found.end());
+  };
+  std::set<std::string> rows;
+  for (const char* heading : {"### Job commands", "### Settings commands", "### Script commands"})
+    for (const std::string& name : rowsBelow(page, heading))
+      if (name != "OK" && std::regex_match(name, std::regex("[A-Z][A-Za-z]+")))
+        rows.insert(name);  // no text, no result
+  EXPECT_EQ(rows, spelledIn("command"));
+  const auto asked = matches(page, "\n\\| `FUNCTION: ([A-Z]+) ?` \\+ [^|]*\\| `");
+  EXPECT_EQ(std::set<std::string>(asked.begin(), asked.end()), spelledIn("question"));
 }
 
 }  // namespace

@@ -3,14 +3,14 @@
 #include <cstdio>
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 
 namespace hostkit::application {
 namespace {
 
 // The listener: standard output, a line at once where a line is complete.
 void print(std::u16string_view text) {
-  const std::string bytes = services::toUtf8(text);
+  const std::string bytes = toUtf8(text);
   std::fwrite(bytes.data(), 1, bytes.size(), stdout);
   if (!bytes.empty() && bytes.back() == '\n') std::fflush(stdout);
 }
@@ -25,7 +25,7 @@ Application::Application(const std::string& program, std::string product)
 
 Application::~Application() = default;
 
-void Application::listen(const std::string& line) { print(services::toWide(line) + u"\n"); }
+void Application::listen(const std::string& line) { print(fromUtf8(line) + u"\n"); }
 
 void Application::join(hostsdk::Interface14& core, script::HostBindings& bindings) {
   script::EngineOptions options;
@@ -47,9 +47,7 @@ void Application::part() {
   scripts_.reset();
 }
 
-void Application::notify(const char* event) {
-  scripts_->fireNotification(services::toWide(event), script::HostValue{});
-}
+void Application::notify(const char* event) { scripts_->fireNotification(fromUtf8(event), script::HostValue{}); }
 
 void Application::loadPlugin(const std::string& nativePath) {
   plugin_ = std::make_unique<services::PluginLibrary>(nativePath);

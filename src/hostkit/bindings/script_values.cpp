@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 
 namespace hostkit::bindings {
@@ -23,7 +23,7 @@ const Kind& require(const HostValue& value, const char16_t* what, const char16_t
   refuse(what, type);
 }
 
-std::u16string digits(std::int64_t number) { return services::toWide(std::to_string(number)); }
+std::u16string digits(std::int64_t number) { return fromUtf8(std::to_string(number)); }
 
 std::optional<double> number(const HostValue& value) {
   if (const auto* i = std::get_if<std::int32_t>(&value)) return *i;
@@ -65,11 +65,11 @@ PlainValue asPlain(const HostValue& value, const char16_t* what) {
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* whole = std::get_if<std::int32_t>(&value)) return *whole;
   if (number(value)) return asFloat(value, what);
-  return services::toUtf8(asText(value, what));
+  return toUtf8(asText(value, what));
 }
 
 HostValue ofPlain(const PlainValue& value) {
-  if (const auto* text = std::get_if<std::string>(&value)) return services::toWide(*text);
+  if (const auto* text = std::get_if<std::string>(&value)) return fromUtf8(*text);
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   if (const auto* whole = std::get_if<std::int32_t>(&value)) return *whole;
   return std::get<float>(value);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 
 namespace hostkit::services {
 
@@ -40,7 +40,7 @@ bool DefaultActions::accept(std::uint32_t type, const std::string& message) {
   if (!found) return true;
   if (found->action & hostsdk::kActionLog) log_(message);
   if (found->action & hostsdk::kActionRecord) {
-    found->messages.push_back(toWide(message));
+    found->messages.push_back(fromUtf8(message));
     return true;
   }
   return (found->action & hostsdk::kActionFail) == 0;

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "platform/files.h"
 
 namespace hostkit::services {
@@ -40,7 +40,7 @@ bool PathConfiguration::read(const std::u16string& file, Folders& folders) {
     const std::string section = lowerCase(name);
     const bool all = section == "directories";
     for (const auto& [key, value] : entries) {
-      const std::string folder = platform::nativePath(toWide(value.data()));
+      const std::string folder = platform::nativePath(fromUtf8(value.data()));
       if (all || section == "bitmapdirs") appendNew(folders.textures, folder);
       if (all || section == "xreferencedirs") appendNew(folders.xrefs, folder);
       if (all || section == "plugindirs") appendNew(folders.plugins, folder);

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 
 namespace hostkit::services {
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 #include "platform/files.h"
 #include "standin/bindings/script_node.h"
@@ -39,7 +39,7 @@ std::u16string scenePart(B& b, bool folder) {
   if (path.empty()) return {};
   const std::filesystem::path file(path);
   return folder ? platform::windowsPath(file.parent_path().string() + "/")
-                : hostkit::services::toWide(file.filename().string());
+                : hostkit::fromUtf8(file.filename().string());
 }
 
 constexpr hostkit::bindings::Property<B> kGlobals[] = {
@@ -130,6 +130,6 @@ HostInterval ScriptBindings::activeSegment() {
   return {scene.firstFrame * ticksPerFrame(), scene.lastFrame * ticksPerFrame()};
 }
 
-void ScriptBindings::log(std::u16string_view text) { log_(hostkit::services::toUtf8(text)); }
+void ScriptBindings::log(std::u16string_view text) { log_(hostkit::toUtf8(text)); }
 
 }  // namespace standin::bindings

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "hostkit/bindings/table_object.h"
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 #include "standin/bindings/script_scene.h"
 #include "standin/scene/animation.h"
@@ -51,7 +51,7 @@ class ScriptNode : public hostkit::bindings::TableObject<ScriptNode> {
     std::array<char, 96> text{};
     std::snprintf(text.data(), text.size(), " @ [%f,%f,%f]", static_cast<double>(at.x), static_cast<double>(at.y),
                   static_cast<double>(at.z));
-    return u"$" + className() + u":" + hostkit::services::toWide(node().name) + hostkit::services::toWide(text.data());
+    return u"$" + className() + u":" + hostkit::fromUtf8(node().name) + hostkit::fromUtf8(text.data());
   }
   const void* identity() const override { return valid() ? static_cast<const void*>(live_->node(index_)) : this; }
 
@@ -208,18 +208,18 @@ void setFov(ScriptNode& n, const HostValue& value) {
 // User properties, which the script language reads and writes through the global functions of these names.
 HostValue getUserProp(ScriptNode& n, const Arguments& arguments) {
   const auto& properties = n.node().userProperties;
-  const auto found = properties.find(hostkit::services::toUtf8(asText(arguments[0], u"getUserProp")));
+  const auto found = properties.find(hostkit::toUtf8(asText(arguments[0], u"getUserProp")));
   return found == properties.end() ? HostValue{} : hostkit::bindings::ofPlain(found->second);
 }
 HostValue setUserProp(ScriptNode& n, const Arguments& arguments) {
-  n.node().userProperties.insert_or_assign(hostkit::services::toUtf8(asText(arguments[0], u"setUserProp")),
+  n.node().userProperties.insert_or_assign(hostkit::toUtf8(asText(arguments[0], u"setUserProp")),
                                            hostkit::bindings::asPlain(arguments[1], u"setUserProp"));
   return hostkit::script::HostOk{};
 }
 
 constexpr Property<ScriptNode> kProperties[] = {
-    {u"name", [](ScriptNode& n) -> HostValue { return hostkit::services::toWide(n.node().name); },
-     [](ScriptNode& n, const HostValue& v) { n.node().name = hostkit::services::toUtf8(asText(v, u"name")); }, any},
+    {u"name", [](ScriptNode& n) -> HostValue { return hostkit::fromUtf8(n.node().name); },
+     [](ScriptNode& n, const HostValue& v) { n.node().name = hostkit::toUtf8(asText(v, u"name")); }, any},
     {u"parent", [](ScriptNode& n) { return nodeOrUndefined(n.core(), n.node().parent); }, nullptr, any},
     {u"children", [](ScriptNode& n) { return scriptNodeList(n.core(), n.node().children); }, nullptr, any},
     {u"position", getPosition, setPosition, any},

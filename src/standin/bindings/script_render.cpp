@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <variant>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 #include "standin/bindings/scene_object.h"
 #include "standin/bindings/script_node.h"
@@ -11,12 +11,12 @@
 namespace standin::bindings {
 namespace {
 
+using hostkit::fromUtf8;
+using hostkit::toUtf8;
 using hostkit::bindings::asBoolean;
 using hostkit::bindings::asInteger;
 using hostkit::bindings::asText;
 using hostkit::bindings::kAnyCount;
-using hostkit::services::toUtf8;
-using hostkit::services::toWide;
 
 // `samples` acts. Scripts that are written for other renderers may set what those have: it is kept and read back.
 class ActiveRenderer : public hostkit::bindings::TableObject<ActiveRenderer> {
@@ -25,7 +25,7 @@ class ActiveRenderer : public hostkit::bindings::TableObject<ActiveRenderer> {
   std::u16string className() const override {
     const auto* name = std::get_if<std::string>(&settings().renderer);
     if (!name) return u"Renderer";
-    return *name == "default" ? u"Default_Scanline_Renderer" : u"Renderer_" + toWide(*name);
+    return *name == "default" ? u"Default_Scanline_Renderer" : u"Renderer_" + fromUtf8(*name);
   }
   std::u16string superClassName() const override { return u"RendererClass"; }
   std::u16string printed() const override { return className() + u":" + className(); }
@@ -75,12 +75,12 @@ class Element : public hostkit::bindings::TableObject<Element> {
   Element(host::Core& core, int index) : core_(core), live_(&core.live()), index_(static_cast<std::size_t>(index)) {}
   std::u16string className() const override { return u"RenderElement"; }
   std::u16string superClassName() const override { return u"RenderElement"; }
-  std::u16string printed() const override { return u"RenderElement:" + toWide(settings().name); }
+  std::u16string printed() const override { return u"RenderElement:" + fromUtf8(settings().name); }
   const void* identity() const override { return &settings(); }
 
   static std::span<const Property<Element>> properties() {
     static constexpr Property<Element> kTable[] = {
-        {u"elementName", [](Element& e) -> HostValue { return toWide(e.settings().name); },
+        {u"elementName", [](Element& e) -> HostValue { return fromUtf8(e.settings().name); },
          [](Element& e, const HostValue& v) { e.settings().name = toUtf8(asText(v, u"elementName")); }},
         {u"enabled", [](Element& e) -> HostValue { return e.settings().enabled; },
          [](Element& e, const HostValue& v) { e.settings().enabled = asBoolean(v, u"enabled"); }},

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 #include "standin/bindings/scene_object.h"
 #include "standin/bindings/script_node.h"
@@ -100,12 +100,12 @@ class Material : public hostkit::bindings::TableObject<Material> {
   explicit Material(const scene::Material& material) : material_(material), identity_(&material) {}
   std::u16string className() const override { return u"Physical_Material"; }
   std::u16string superClassName() const override { return u"material"; }
-  std::u16string printed() const override { return hostkit::services::toWide(material_.name) + u":" + className(); }
+  std::u16string printed() const override { return hostkit::fromUtf8(material_.name) + u":" + className(); }
   const void* identity() const override { return identity_; }
 
   static std::span<const Property<Material>> properties() {
     static constexpr Property<Material> kTable[] = {
-        {u"name", [](Material& m) -> HostValue { return hostkit::services::toWide(m.material_.name); }},
+        {u"name", [](Material& m) -> HostValue { return hostkit::fromUtf8(m.material_.name); }},
         {u"base_color",
          [](Material& m) -> HostValue {
            const scene::Vec4 c = m.material_.baseColor;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "platform/files.h"
 #include "standin/scene/loader.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "platform/files.h"
 #include "standin/host/cameras.h"
 
@@ -56,7 +56,7 @@ class LiveScene::LiveNode : public hostsdk::INode {
       object_ = std::make_unique<PlainObject>();
   }
 
-  std::u16string Name() const override { return hostkit::services::toWide(data().name); }
+  std::u16string Name() const override { return hostkit::fromUtf8(data().name); }
   hostsdk::ObjectState EvalWorldState(hostsdk::TimeValue, bool) override { return {object_.get()}; }
   int NumberOfChildren() const override { return static_cast<int>(data().children.size()); }
   hostsdk::INode* ChildNode(int index) override {
@@ -78,7 +78,7 @@ class LiveScene::LiveViewport : public hostsdk::ViewExp {
   LiveViewport(LiveScene& owner, const scene::ViewportSettings& settings) : owner_(owner), settings_(settings) {}
 
   hostsdk::INode* ViewCamera() override {
-    return settings_.camera.empty() ? nullptr : owner_.nodeByName(hostkit::services::toWide(settings_.camera));
+    return settings_.camera.empty() ? nullptr : owner_.nodeByName(hostkit::fromUtf8(settings_.camera));
   }
   const scene::ViewportSettings& settings() const { return settings_; }
 
@@ -94,7 +94,7 @@ class LiveScene::LiveElement : public hostsdk::IRenderElement {
   }
 
   bool IsEnabled() const override { return settings_.enabled; }
-  std::u16string ElementName() const override { return hostkit::services::toWide(settings_.name); }
+  std::u16string ElementName() const override { return hostkit::fromUtf8(settings_.name); }
   void GetOutput(hostsdk::ElementOutput*& slot) override { slot = &output_; }
   hostsdk::ElementOutput& output() { return output_; }
 

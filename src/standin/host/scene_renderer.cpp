@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "hostkit/services/renderer_classes.h"
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "standin/host/cameras.h"
 
 namespace standin::host {
@@ -106,8 +106,7 @@ void OpenRenderer::tellPreparation(hostsdk::RendProgressCallback& progress) cons
   if (class_ == kRendererB) {
     progress.SetTitle(u"Loading bitmaps ");
     for (const scene::Node& node : live_.description().nodes)
-      if (node.mesh != scene::kNone)
-        progress.SetTitle((u"Updating object " + hostkit::services::toWide(node.name)).c_str());
+      if (node.mesh != scene::kNone) progress.SetTitle((u"Updating object " + hostkit::fromUtf8(node.name)).c_str());
     progress.SetTitle(u"Updating transformation matrices ");
   } else {
     progress.SetTitle(u"Preparing scene");

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "platform/files.h"
 #include "standin/program/host_application.h"
 
 namespace {
 
-using hostkit::services::toUtf8;
-using hostkit::services::toWide;
+using hostkit::fromUtf8;
+using hostkit::toUtf8;
 using standin::program::HostApplication;
 using standin::program::kProgramName;
 
@@ -43,7 +43,7 @@ int run(const Arguments& arguments, bool hasText) {
     fmt::print(stderr, "{}: {}\n", kProgramName, e.what());
     return kUsage;
   }
-  const auto result = hasText ? host.scripts().runText(toWide(arguments.text))
+  const auto result = hasText ? host.scripts().runText(fromUtf8(arguments.text))
                               : host.scripts().runScriptFile(platform::windowsPath(arguments.script));
   if (!result.succeeded) {
     std::fflush(stdout);

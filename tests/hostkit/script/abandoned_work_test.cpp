@@ -63,7 +63,7 @@ class AbandonedWork : public testing::Test {
   }
   std::string value(const std::u16string& script) {
     const RunResult result = engine_.runText(script);
-    return toUtf8(result.succeeded ? result.printed : result.errorText);
+    return hostkit::toUtf8(result.succeeded ? result.printed : result.errorText);
   }
 
   FaultingHost host_;
@@ -99,7 +99,7 @@ TEST_F(AbandonedWork, InsideAScriptThatGoesOnLeavesThatScriptAlone) {
   const Root kept(engine_.runtime().heap(), engine_.runtime().newString(u"kept"));
   fault();
   EXPECT_EQ(value(u"1 + 1"), "2");
-  EXPECT_EQ(toUtf8(static_cast<StringObject*>(kept.value.o)->text()), "kept");
+  EXPECT_EQ(hostkit::toUtf8(static_cast<StringObject*>(kept.value.o)->text()), "kept");
 }
 
 }  // namespace

@@ -28,15 +28,15 @@ Names builtIn() {
   Engine engine(host, {});
   Names names;
   for (const GlobalObject* global : engine.runtime().globals()) {
-    const std::string name = toUtf8(global->name->text);
+    const std::string name = hostkit::toUtf8(global->name->text);
     if (as<ClassObject>(global->value)) continue;
     const auto* space = as<NamespaceObject>(global->value);
     if (!space) {
       names.insert(name);
       continue;
     }
-    for (const auto& [function, object] : space->functions) names.insert(toUtf8(object->entry.name));
-    for (const auto& property : space->properties) names.insert(name + "." + toUtf8(property.name->text));
+    for (const auto& [function, object] : space->functions) names.insert(hostkit::toUtf8(object->entry.name));
+    for (const auto& property : space->properties) names.insert(name + "." + hostkit::toUtf8(property.name->text));
   }
   return names;
 }

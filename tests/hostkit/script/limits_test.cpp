@@ -32,8 +32,8 @@ TEST_P(Limits, AreScriptErrors) {
   Engine engine(host, options);
   const RunResult result = engine.runText(GetParam().script);
   EXPECT_FALSE(result.succeeded);
-  EXPECT_NE(toUtf8(result.errorText).find(GetParam().complaint), std::string::npos)
-      << toUtf8(result.errorText).substr(0, 2000);
+  EXPECT_NE(hostkit::toUtf8(result.errorText).find(GetParam().complaint), std::string::npos)
+      << hostkit::toUtf8(result.errorText).substr(0, 2000);
   EXPECT_TRUE(engine.runText(u"1 + 1").succeeded) << "the engine works on";
 }
 

@@ -44,7 +44,7 @@ class PortTest : public testing::Test {
       auto* stream = port().newStringStream();
       kept[0] = stream;
       error.sprin1(*stream);
-      return toUtf8(stream->text_of_stream());
+      return hostkit::toUtf8(stream->text_of_stream());
     }
     return "no error";
   }
@@ -69,7 +69,7 @@ TEST_F(PortTest, RaisesErrorsWithTheListenersText) {
   EXPECT_EQ(errorOf(u"(a = )"), "-- Syntax error: at ), expected <factor>\n--  In line: (a = )");
   EXPECT_EQ(errorOf(u"throw \"no\""), "-- Runtime error: no");
   EXPECT_EQ(errorOf(u"undefined.x"), "-- Unknown property: \"x\" in undefined");
-  EXPECT_NE(toUtf8(printed).find("-- Error occurred in anonymous codeblock"), std::string::npos)
+  EXPECT_NE(hostkit::toUtf8(printed).find("-- Error occurred in anonymous codeblock"), std::string::npos)
       << "the listener shows it too";
 }
 
@@ -207,7 +207,7 @@ TEST_F(PortTest, FiresNotifications) {
                             u"fn last = print #last\ncallbacks.addScript #preRenderFrame last")
                   .succeeded);
   engine->fireNotification(u"PreRenderFrame", HostValue(std::int32_t{7}));
-  EXPECT_TRUE(printed.starts_with(u"7\n")) << toUtf8(printed);
+  EXPECT_TRUE(printed.starts_with(u"7\n")) << hostkit::toUtf8(printed);
   EXPECT_NE(printed.find(u"-- Unknown property: \"x\" in undefined"), std::u16string::npos);
   EXPECT_TRUE(printed.ends_with(u"#last\n")) << "an error ends only its own callback";
 }

@@ -21,11 +21,11 @@
 
 namespace {
 
+using hostkit::fromUtf8;
+using hostkit::toUtf8;
 using hostkit::script::Engine;
 using hostkit::script::EngineOptions;
-using hostkit::script::fromUtf8;
 using hostkit::script::RunResult;
-using hostkit::script::toUtf8;
 
 const std::filesystem::path kScripts = std::filesystem::path(support::sourceFolder()) / "tests/hostkit/script/scripts";
 

@@ -28,7 +28,7 @@ TEST_P(Check, TellsThePlace) {
   std::string found;
   for (const auto& problem : problems) {
     EXPECT_EQ(problem.file, folder.wide("a.ms"));
-    found += std::to_string(problem.line) + ":" + std::to_string(problem.column) + ": " + toUtf8(problem.text);
+    found += std::to_string(problem.line) + ":" + std::to_string(problem.column) + ": " + hostkit::toUtf8(problem.text);
   }
   EXPECT_EQ(found, GetParam().expected);
 }
@@ -68,9 +68,9 @@ TEST(Decoding, KnowsByteOrderMarksUtf8AndAnsi) {
 }
 
 TEST(Encoding, ReplacesWhatIsIllFormed) {
-  EXPECT_EQ(fromUtf8("a\xFF\xC3z"), u"a\uFFFD\uFFFDz");
-  EXPECT_EQ(toUtf8(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
-  EXPECT_EQ(toUtf8(std::u16string{u'a', 0xD83D, u'b', 0xDE00}),
+  EXPECT_EQ(hostkit::fromUtf8("a\xFF\xC3z"), u"a\uFFFD\uFFFDz");
+  EXPECT_EQ(hostkit::toUtf8(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(hostkit::toUtf8(std::u16string{u'a', 0xD83D, u'b', 0xDE00}),
             "a\xEF\xBF\xBD"
             "b\xEF\xBF\xBD");
 }
@@ -80,8 +80,8 @@ TEST(ErrorReport, ShowsFunctionPlaceCaretAndLocals) {
   folder.write("job.ms", "fn f a = (\n  local i = 0\n  a[i]\n)\nf #()\n");
   tests::FakeScriptHost host(u"");
   Engine engine(host, {});
-  const std::string report = toUtf8(engine.runScriptFile(folder.wide("job.ms")).errorText);
-  const std::string file = toUtf8(folder.wide("job.ms"));
+  const std::string report = hostkit::toUtf8(engine.runScriptFile(folder.wide("job.ms")).errorText);
+  const std::string file = hostkit::toUtf8(folder.wide("job.ms"));
   EXPECT_TRUE(report.starts_with("-- Error occurred in f(); filename: " + file + "; position: ")) << report;
   for (const char* part : {"; line: 3\n-- MAXScript FileIn Exception:\n-- Runtime error: array index must be positive "
                            "number, got: 0\n--    a[i]\n",

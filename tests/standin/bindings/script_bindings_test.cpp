@@ -1,7 +1,7 @@
 // Scripts against the host's globals and nodes.
 #include <gtest/gtest.h>
 
-#include "hostkit/services/text.h"
+#include "hostkit/text/utf8.h"
 #include "standin/program/host_application.h"
 #include "support/small_scene.h"
 #include "support/temporary_folder.h"
@@ -18,8 +18,8 @@ class ScriptedHost : public testing::Test {
     ASSERT_TRUE(host_.core().LoadFromFile(folder_.wide("scene.gltf"), 14));
   }
   std::string value(const std::string& script) {
-    const auto result = host_.scripts().runText(hostkit::services::toWide(script));
-    return hostkit::services::toUtf8(result.succeeded ? result.printed : result.errorText);
+    const auto result = host_.scripts().runText(hostkit::fromUtf8(script));
+    return hostkit::toUtf8(result.succeeded ? result.printed : result.errorText);
   }
   support::TemporaryFolder folder_;
   standin::program::HostApplication host_;

@@ -4,16 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "hostkit/text/utf8.h"
+
 namespace hostkit::script {
 
 // ASCII to UTF-16.
 inline std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 // UTF-16 to ASCII, '?' for the rest: for number syntax and formats.
 std::string narrow(std::u16string_view text);
-
-// UTF-8 both ways; ill-formed parts become U+FFFD.
-std::string toUtf8(std::u16string_view text);
-std::u16string fromUtf8(std::string_view bytes);
 
 // One code unit without regard to case: Latin, Greek and Cyrillic letters fold, everything else stays.
 char16_t foldCase(char16_t c);
