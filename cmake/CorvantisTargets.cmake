@@ -17,7 +17,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # GCC 12 warns of overlaps and overflows that are not there wherever a literal is joined with a string; clang-tidy,
   # which reads these options too, does not know the first warning.
   target_compile_options(corvantis_options INTERFACE -Wno-unknown-warning-option -Wno-restrict -Wno-stringop-overflow
-                         -Wno-array-bounds)
+                         -Wno-stringop-overread -Wno-array-bounds)
 endif()
 if(CORVANTIS_WERROR)
   target_compile_options(corvantis_options INTERFACE -Werror)
@@ -56,11 +56,12 @@ function(corvantis_expose_tests target folder)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
-# corvantis_library(NAME FOLDER path-below-src SOURCES ... [UNCACHED ...] [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# corvantis_library(NAME FOLDER path-below-src SOURCES ... [UNCACHED ...] [IN_LOTS] [DEPENDS ...] [PRIVATE_DEPENDS ...])
 # DEPENDS are passed on to whoever links the target (their headers appear in ours), PRIVATE_DEPENDS are not. UNCACHED
-# sources tell when they were compiled: no compiler cache may answer for them.
+# sources tell when they were compiled: no compiler cache may answer for them. IN_LOTS: the sources read so much of the
+# same that several are compiled as one, except where precompiled headers are off.
 function(corvantis_library name)
-  cmake_parse_arguments(ARG "SHARED;MODULE;OBJECT" "FOLDER" "SOURCES;UNCACHED;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "SHARED;MODULE;OBJECT;IN_LOTS" "FOLDER" "SOURCES;UNCACHED;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
   set(kind STATIC)
   foreach(k SHARED MODULE OBJECT)
     if(ARG_${k})
@@ -69,6 +70,9 @@ function(corvantis_library name)
   endforeach()
   add_library(${name} ${kind} ${ARG_SOURCES})
   target_precompile_headers(${name} REUSE_FROM precompiled)
+  if(ARG_IN_LOTS AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
+  endif()
   if(ARG_UNCACHED)
     add_library(${name}_uncached OBJECT ${ARG_UNCACHED})
     set_target_properties(${name}_uncached PROPERTIES CXX_COMPILER_LAUNCHER "")
@@ -124,11 +128,15 @@ function(corvantis_program name)
   target_link_libraries(${name} PRIVATE corvantis_options ${ARG_DEPENDS})
 endfunction()
 
-# corvantis_test(NAME SOURCES ... DEPENDS ... [ENVIRONMENT NAME=value...]): one test program a folder, every case a CTest test.
+# Every test program of code that several threads work at; ./test.sh --concurrent builds it.
+add_custom_target(concurrent_tests)
+
+# corvantis_test(NAME SOURCES ... DEPENDS ... [CONCURRENT] [ENVIRONMENT NAME=value...]): one test program a folder, every
+# case a CTest test. CONCURRENT: several threads work at what it tests.
 # Every *_test.cpp of the folder and of those below it must be listed, but for those below a folder that has a
 # CMakeLists.txt and so programs of its own: a test that is not wired in is an error.
 function(corvantis_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(ARG "CONCURRENT" "" "SOURCES;DEPENDS;ENVIRONMENT" ${ARGN})
   file(GLOB_RECURSE present RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*_test.cpp)
   if(WIN32)
     list(FILTER present EXCLUDE REGEX "^posix/")
@@ -152,5 +160,13 @@ function(corvantis_test name)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
     return()
   endif()
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "${ARG_ENVIRONMENT}")
+  set(properties)
+  if(ARG_ENVIRONMENT)
+    list(APPEND properties ENVIRONMENT "${ARG_ENVIRONMENT}")
+  endif()
+  if(ARG_CONCURRENT)
+    add_dependencies(concurrent_tests ${name})
+    list(APPEND properties LABELS concurrent)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
