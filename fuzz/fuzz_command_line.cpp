@@ -10,27 +10,14 @@
 
 #include "fuzz/loopback_peer.h"
 #include "hostsdk/exceptions.h"
-#include "platform/files.h"
 #include "plugin/daemon/dispatch.h"
 #include "plugin/util/text.h"
 #include "support/fake_clock.h"
+#include "support/fake_files.h"
 #include "support/fake_host.h"
 #include "support/fake_script_runtime.h"
 
 namespace {
-
-// Nothing on the machine is touched: every file is missing, every folder can be made.
-class NoFiles final : public platform::Files {
- public:
-  platform::FileAttributes attributes(const std::u16string&) override {
-    return {platform::error::kFileNotFound, false};
-  }
-  std::uint32_t createDirectory(const std::u16string&) override { return platform::error::kSuccess; }
-  std::uint32_t copyFile(const std::u16string&, const std::u16string&) override {
-    return platform::error::kFileNotFound;
-  }
-  std::uint32_t deleteFile(const std::u16string&) override { return platform::error::kFileNotFound; }
-};
 
 // Script texts give back themselves: a string, or something else when they begin with a digit.
 hostsdk::Value* echo(support::FakeScriptRuntime& scripts, const std::u16string& source) {
@@ -62,7 +49,7 @@ void run(const std::string& line, corvantis::JobState& jobState, corvantis::win3
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static fuzz::LoopbackPeer peer;
   static corvantis::win32::simple_socket socket;
-  static NoFiles files;
+  static support::NoFiles files;
   static const platform::FilesReplacement noFiles(files);
   constexpr int largestSide = 64;
 

@@ -1,4 +1,4 @@
-// The real file layer, written down and made to fail on demand.
+// The real file layer, written down and made to fail on demand; and one without any file.
 #pragma once
 
 #include <cstdint>
@@ -41,6 +41,19 @@ class FakeFiles final : public platform::Files {
 
   platform::Files& system_;
   std::vector<Failure> failures_;
+};
+
+// Nothing on the machine is touched: every file is missing, every folder can be made.
+class NoFiles final : public platform::Files {
+ public:
+  platform::FileAttributes attributes(const std::u16string&) override {
+    return {platform::error::kFileNotFound, false};
+  }
+  std::uint32_t createDirectory(const std::u16string&) override { return platform::error::kSuccess; }
+  std::uint32_t copyFile(const std::u16string&, const std::u16string&) override {
+    return platform::error::kFileNotFound;
+  }
+  std::uint32_t deleteFile(const std::u16string&) override { return platform::error::kFileNotFound; }
 };
 
 }  // namespace support
