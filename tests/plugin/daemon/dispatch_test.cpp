@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "daemon_fixture.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

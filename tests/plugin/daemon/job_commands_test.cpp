@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "daemon_fixture.h"
 #include "platform/environment.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

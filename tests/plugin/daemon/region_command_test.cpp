@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "daemon_fixture.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

@@ -7,8 +7,8 @@
 #include <regex>
 #include <stdexcept>
 
-#include "daemon_fixture.h"
 #include "platform/environment.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "daemon_fixture.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <type_traits>
 
-#include "daemon_fixture.h"
+#include "support/daemon_fixture.h"
 
 namespace corvantis {
 namespace {

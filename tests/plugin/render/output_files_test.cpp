@@ -1,7 +1,7 @@
 #include "plugin/render/output_files.h"
 
-#include "frame_fixture.h"
 #include "platform/files.h"
+#include "support/frame_fixture.h"
 
 namespace corvantis {
 namespace {

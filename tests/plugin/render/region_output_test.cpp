@@ -1,7 +1,7 @@
 #include "plugin/render/region_output.h"
 
-#include "frame_fixture.h"
 #include "hostsdk/render.h"
+#include "support/frame_fixture.h"
 
 namespace corvantis {
 namespace {

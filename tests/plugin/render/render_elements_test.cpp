@@ -1,4 +1,4 @@
-#include "frame_fixture.h"
+#include "support/frame_fixture.h"
 
 namespace corvantis {
 namespace {

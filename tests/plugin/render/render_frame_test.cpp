@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "frame_fixture.h"
 #include "plugin/job/end_job.h"
+#include "support/frame_fixture.h"
 #include "support/scripted_peer.h"
 
 namespace corvantis {

@@ -1,6 +1,6 @@
 #include "plugin/render/renderer_setup.h"
 
-#include "frame_fixture.h"
+#include "support/frame_fixture.h"
 
 namespace corvantis {
 namespace {
