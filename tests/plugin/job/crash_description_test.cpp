@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdio>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,20 +21,15 @@ using namespace testing;
 namespace fault = platform::fault;
 
 std::vector<std::string> linesOf(std::string_view text) {
-  std::vector<std::string> lines(1);
-  for (const char byte : text) {
-    if (byte == '\n') {
-      lines.emplace_back();
-    } else {
-      lines.back().push_back(byte);
-    }
-  }
+  std::vector<std::string> lines;
+  std::istringstream stream(std::string(text) + "\n");
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
 }
 
-std::string hexadecimal(std::uintptr_t value) {
+std::string hexadecimal(std::uintptr_t value, int digits = 8) {
   std::array<char, 9> text{};
-  std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(value));
+  std::snprintf(text.data(), text.size(), "%0*X", digits, static_cast<unsigned>(value));
   return text.data();
 }
 
@@ -45,38 +41,28 @@ std::string programPath() {
 
 std::string instructionLine(const void* code) {
   std::string line = "Instruction: ";
-  for (int i = 0; i < 16; ++i) {
-    std::array<char, 4> byte{};
-    std::snprintf(byte.data(), byte.size(), " %02X", static_cast<const unsigned char*>(code)[i]);
-    line += byte.data();
-  }
+  for (int i = 0; i < 16; ++i) line += " " + hexadecimal(static_cast<const unsigned char*>(code)[i], 2);
   return line;
 }
 
 std::uintptr_t knownCode() { return reinterpret_cast<std::uintptr_t>(&describeCrash); }
 
-// A chain of frame records laid out by hand, innermost first, each with the code address given and the caller's words
-// 1, 2, 3, 4, 5.
-class Frames {
- public:
-  explicit Frames(std::size_t count, std::uintptr_t returnAddress) : records_(count) {
-    for (std::size_t i = 0; i < count; ++i) {
-      const bool isLast = i + 1 == count;
-      records_[i].link = isLast ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&records_[i + 1]);
-      records_[i].returnAddress = returnAddress;
-    }
-  }
-  std::uintptr_t first() const { return reinterpret_cast<std::uintptr_t>(records_.data()); }
-  void setReturnAddress(std::size_t index, std::uintptr_t address) { records_[index].returnAddress = address; }
-
- private:
-  struct Record {
-    std::uintptr_t link = 0;
-    std::uintptr_t returnAddress = 0;
-    std::array<std::uint32_t, 6> words = {1, 2, 0xABCDEF, 4, 0xFFFFFFFF, 6};
-  };
-  std::vector<Record> records_;
+// A frame record as a compiler lays it out, the caller's words behind it.
+struct FrameRecord {
+  std::uintptr_t link = support::kUnmappedAddress, returnAddress = 0;
+  std::array<std::uint32_t, 6> words = {1, 2, 0xABCDEF, 4, 0xFFFFFFFF, 6};
 };
+
+// A chain of them, innermost first.
+std::vector<FrameRecord> chainOf(std::size_t count, std::uintptr_t returnAddress) {
+  std::vector<FrameRecord> records(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    records[i].returnAddress = returnAddress;
+    if (i != 0) records[i - 1].link = reinterpret_cast<std::uintptr_t>(&records[i]);
+  }
+  return records;
+}
+std::uintptr_t firstOf(const std::vector<FrameRecord>& chain) { return reinterpret_cast<std::uintptr_t>(chain.data()); }
 
 FaultContext contextAt(std::uintptr_t address, std::uintptr_t framePointer) {
   FaultContext context;
@@ -87,24 +73,26 @@ FaultContext contextAt(std::uintptr_t address, std::uintptr_t framePointer) {
 }
 
 TEST(SehExceptionName, NamesTheFifteenCodesAndNoOthers) {
-  const std::pair<std::uint32_t, const char*> names[] = {{0xC0000005, "Access Violation"},
-                                                         {0xC000008C, "Array Bounds Exceeded"},
-                                                         {0x80000002, "Datatype Misalignment"},
-                                                         {0xC000008D, "Float Denormal Operand"},
-                                                         {0xC000008E, "Float Divide By Zero"},
-                                                         {0xC000008F, "Float Inexact Result"},
-                                                         {0xC0000090, "Float Invalid Operation"},
-                                                         {0xC0000091, "Float Overflow"},
-                                                         {0xC0000092, "Float Stack Check"},
-                                                         {0xC000001D, "Illegal Instruction"},
-                                                         {0xC0000006, "In Page Error"},
-                                                         {0xC0000094, "Integer Divide By Zero"},
-                                                         {0xC0000095, "Integer Overflow"},
-                                                         {0xC0000096, "Privileged Instruction"},
-                                                         {0xC00000FD, "Stack Overflow"},
-                                                         {0xC0000093, nullptr},
-                                                         {0xE06D7363, nullptr},
-                                                         {0, nullptr}};
+  const std::pair<std::uint32_t, const char*> names[] = {
+      {0xC0000005, "Access Violation"},
+      {0xC000008C, "Array Bounds Exceeded"},
+      {0x80000002, "Datatype Misalignment"},
+      {0xC000008D, "Float Denormal Operand"},
+      {0xC000008E, "Float Divide By Zero"},
+      {0xC000008F, "Float Inexact Result"},
+      {0xC0000090, "Float Invalid Operation"},
+      {0xC0000091, "Float Overflow"},
+      {0xC0000092, "Float Stack Check"},
+      {0xC000001D, "Illegal Instruction"},
+      {0xC0000006, "In Page Error"},
+      {0xC0000094, "Integer Divide By Zero"},
+      {0xC0000095, "Integer Overflow"},
+      {0xC0000096, "Privileged Instruction"},
+      {0xC00000FD, "Stack Overflow"},
+      {0xC0000093, nullptr},
+      {0xE06D7363, nullptr},
+      {0, nullptr},
+  };
   for (const auto& [code, name] : names) {
     EXPECT_STREQ(sehExceptionName(code), name ? name : "Unknown SEH Exception Code");
     EXPECT_EQ(isTrappedCode(code), name != nullptr) << code;
@@ -118,8 +106,8 @@ TEST(DescribeCrash, TellsProcessModuleDateCodeAndInstruction) {
   ASSERT_TRUE(platform::lastWriteDate(knownCode(), date));
   std::array<char, 32> dateText{};
   std::snprintf(dateText.data(), dateText.size(), "%02d/%02d/%d", date.month, date.day, date.year);
-  const Frames frames(1, knownCode() + 1);
-  const FaultContext context = contextAt(knownCode(), frames.first());
+  const std::vector<FrameRecord> frames = chainOf(1, knownCode() + 1);
+  const FaultContext context = contextAt(knownCode(), firstOf(frames));
   const CrashText text = describeCrash(&context);
   EXPECT_THAT(linesOf(text.view()),
               ElementsAre("Process:  " + programPath(), "Module:  " + programPath(),
@@ -161,11 +149,10 @@ TEST(DescribeCrash, OutsideEveryModuleTellsTheAddressInstead) {
 }
 
 TEST(DescribeCallStack, HasAtMostTwentyFrames) {
-  const Frames frames(50, knownCode());
-  std::array<std::uintptr_t, 8> record{};  // a chain that bites its tail
-  record[0] = reinterpret_cast<std::uintptr_t>(record.data());
-  record[1] = knownCode();
-  for (const std::uintptr_t first : {frames.first(), record[0]}) {
+  const std::vector<FrameRecord> frames = chainOf(50, knownCode());
+  std::vector<FrameRecord> ring = chainOf(1, knownCode());  // bites its tail
+  ring.front().link = firstOf(ring);
+  for (const std::uintptr_t first : {firstOf(frames), firstOf(ring)}) {
     CrashText text;
     const std::size_t appended = describeCallStack(contextAt(knownCode(), first), text);
     EXPECT_EQ(appended, text.view().size());
@@ -174,12 +161,12 @@ TEST(DescribeCallStack, HasAtMostTwentyFrames) {
 }
 
 TEST(DescribeCallStack, EndsAtAReturnAddressThatIsNoCode) {
-  Frames frames(5, knownCode());
+  std::vector<FrameRecord> frames = chainOf(5, knownCode());
   const int data = 0;
   // Windows takes whatever can be read for code.
-  frames.setReturnAddress(2, support::kIsWindows ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&data));
+  frames[2].returnAddress = support::kIsWindows ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&data);
   CrashText text;
-  describeCallStack(contextAt(knownCode(), frames.first()), text);
+  describeCallStack(contextAt(knownCode(), firstOf(frames)), text);
   EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 3U);
 }
 

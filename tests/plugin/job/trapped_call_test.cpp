@@ -21,25 +21,19 @@ class TrappedCall : public testing::Test {
   JobState job_;
 };
 
-TEST_F(TrappedCall, ReturnsWhatTheWorkReturns) {
-  const Trapped<int> outcome = trappedCall(job_, "Trapped: ", 0, [] { return 42; });
-  EXPECT_EQ(outcome.value, 42);
-  EXPECT_EQ(outcome.sehText, "");
-  EXPECT_NO_THROW(throwIfFaulted(job_, outcome));
-  EXPECT_EQ(job_.crashDescription, "No message");
-}
-
 TEST_F(TrappedCall, FaultBecomesAnErrorTextAndADescription) {
+  const Trapped<int> none = trappedCall(job_, "Trapped: ", 0, [] { return 42; });
+  EXPECT_EQ(std::pair(none.value, none.sehText), std::pair(42, std::string()));
+  EXPECT_NO_THROW(throwIfFaulted(job_, none));
+  EXPECT_EQ(job_.crashDescription, "No message");
   const Trapped<int> first = trappedCall(job_, "First: ", 7, [] { return support::divideIntegerByZero(); });
-  EXPECT_EQ(first.value, 7);
-  EXPECT_EQ(first.sehText, "First: Integer Divide By Zero");
+  EXPECT_EQ(std::pair(first.value, first.sehText), std::pair(7, std::string("First: Integer Divide By Zero")));
   const std::string description = job_.crashDescription;
   EXPECT_THAT(description,
               AllOf(StartsWith("Process:  "), HasSubstr("\nException Code:  C0000094"), Not(HasSubstr(" Address:"))));
   EXPECT_FALSE(trappedCall(job_, "Second: ", [] {}).faulted());
   EXPECT_EQ(job_.crashDescription, description);
   const Trapped<void> third = trappedCall(job_, "Third: ", [] { support::executeIllegalInstruction(); });
-  EXPECT_EQ(third.sehText, "Third: Illegal Instruction");
   EXPECT_NE(job_.crashDescription, description);
   EXPECT_THAT([&] { throwIfFaulted(job_, third); },
               ThrowsMessage<std::runtime_error>("Third: Illegal Instruction\n" + job_.crashDescription));
