@@ -9,10 +9,8 @@
 
 #include "hostsdk/script_value.h"
 #include "platform/environment.h"
-#include "plugin/util/log_file.h"
-#include "support/fake_clock.h"
-#include "support/scripted_peer.h"
-#include "support/temporary_folder.h"
+#include "support/log_capture.h"
+#include "support/packet_socket.h"
 
 namespace corvantis {
 namespace {
@@ -28,22 +26,9 @@ const std::u16string kForeignKey = u"\u00FC\u65E5\U0001F600";
 constexpr const char* kForeignAsAnsi = "\xC3\xBC???";
 constexpr const char* kForeignWhole = "\xC3\xBC\xE6\x97\xA5\xF0\x9F\x98\x80";
 
-class Requests : public testing::Test {
+class Requests : public win32::PacketSocket {
  protected:
-  Requests() { log_file.open(folder.wide("log")); }
-  ~Requests() override { log_file.close(); }
-
-  void connect() {
-    peer.start();
-    connection.connect("127.0.0.1", peer.port(), 1);
-  }
-  std::string log() const { return folder.readText("log"); }
-
-  support::TemporaryFolder folder;
-  support::FakeClock clock;
-  platform::ClockReplacement replacement{clock};
-  support::ScriptedPeer peer;
-  win32::simple_socket connection;
+  support::LogCapture log;
 };
 
 struct Notice {
@@ -64,49 +49,19 @@ TEST_F(Requests, NoticesReachTheWorkerWholeAndTheSystemsOwnAreLogged) {
   for (const Notice& notice : notices())
     peer.expect("FUNCTION: " + notice.word + kForeignWhole).expect("FUNCTION: " + notice.word);
   connect();
-  std::string logged;
+  std::vector<std::string> logged;
   for (const Notice& notice : notices()) {
-    notice.send(connection, kForeignKey);
-    notice.send(connection, u"");
-    if (notice.logged) logged += "\xFC???\n\n";
-    EXPECT_EQ(log(), logged) << notice.word;
+    notice.send(socket, kForeignKey);
+    notice.send(socket, u"");
+    if (notice.logged) logged.insert(logged.end(), {"\xFC???", ""});
+    EXPECT_EQ(log.lines(), logged) << notice.word;
   }
-  peer.finish();
-}
-
-TEST_F(Requests, ProgressIsWrittenWithSixDigits) {
-  const struct {
-    float percent;
-    const char* text;
-  } rows[] = {{0.0F, "0"},     {50.0F, "50"}, {12.5F, "12.5"}, {33.333333F, "33.3333"},
-              {100.0F, "100"}, {-1.0F, "-1"}, {1e-7F, "1e-07"}};
-  for (const auto& row : rows) peer.expect("FUNCTION: PROGRESS "s + row.text);
-  connect();
-  for (const auto& row : rows) EXPECT_TRUE(sendProgress(connection, row.percent));
-  peer.finish();
-}
-
-TEST_F(Requests, NoticesNeverFailTheirCaller) {
-  std::string logged;
+  // Text that is no UTF-16 reaches the caller as an error, written to the log before the conversion is tried.
   for (const Notice& notice : notices()) {
-    notice.send(connection, u"text");
-    if (notice.logged) logged += "text\n  failed to send this message to Tessaryn because: "s + kSendUnconnected + "\n";
-    EXPECT_EQ(log(), logged) << notice.word;
+    EXPECT_THAT([&] { notice.send(socket, kUnpaired); }, ThrowsMessage<utf8::invalid_utf16>("Invalid UTF-16"));
+    if (notice.logged) logged.emplace_back("lone ?");
   }
-  EXPECT_TRUE(sendProgress(connection, 5));
-  EXPECT_EQ(log(), logged);
-  // Those of the render callback do, which reports the failure itself.
-  EXPECT_THAT([&] { postTitle(connection, u"text"); }, ThrowsMessage<win32::simple_socket_error>(kSendUnconnected));
-  EXPECT_THAT([&] { postProgress(connection, 5); }, ThrowsMessage<win32::simple_socket_error>(kSendUnconnected));
-}
-
-TEST_F(Requests, TextThatIsNoUtf16ReachesTheCallerAsAnError) {
-  connect();
-  for (const Notice& notice : notices())
-    EXPECT_THAT([&] { notice.send(connection, kUnpaired); }, ThrowsMessage<utf8::invalid_utf16>("Invalid UTF-16"));
-  EXPECT_THAT([&] { requestPathMappedFilename(connection, kUnpaired); },
-              ThrowsMessage<utf8::invalid_utf16>("Invalid UTF-16"));
-  EXPECT_EQ(log(), "lone ?\nlone ?\n");  // written before the conversion was tried
+  EXPECT_EQ(log.lines(), logged);
   peer.finish();
 }
 
@@ -140,34 +95,25 @@ std::vector<Question> questions() {
   };
 }
 
-TEST_F(Requests, TheValueOfAPositiveAnswerIsTakenToTheLetter) {
-  const struct {
-    const char* answer;
-    std::u16string value;
-  } rows[] = {{"SUCCESS: ", u""},
-              {"SUCCESS:  two ", u" two "},
-              {"SUCCESS: SUCCESS: ", u"SUCCESS: "},
-              {"SUCCESS: \xC3\xBC\nb", u"\u00FC\nb"}};
-  for (const Question& question : questions()) peer.expect(question.request).answer("SUCCESS: 42");
-  for (const auto& row : rows) peer.expect("FUNCTION: GETAUXFILE 0").answer(row.answer);
-  connect();
-  for (const Question& question : questions()) EXPECT_EQ(question.ask(connection), u"42") << question.scriptFunction;
-  for (const auto& row : rows) EXPECT_EQ(requestAuxFilename(connection, 0), row.value);
-  peer.finish();
-}
-
-TEST_F(Requests, AnyOtherAnswerIsNegative) {
-  const std::vector<std::string> answers = {"",           "ERROR: no",   "SUCCESS",   "SUCCESS:",  "SUCCESS x",
-                                            "success: x", " SUCCESS: x", "SUCCESS:x", "SUCCESS:\t"};
-  for (const std::string& answer : answers) {
-    for (const Question& question : questions()) peer.expect(question.request).answer(answer);
+TEST_F(Requests, AnAnswerIsTakenToTheLetterOrNegative) {
+  const std::pair<const char*, std::u16string> positive[] = {{"SUCCESS: ", u""},
+                                                             {"SUCCESS:  two ", u" two "},
+                                                             {"SUCCESS: SUCCESS: ", u"SUCCESS: "},
+                                                             {"SUCCESS: \xC3\xBC\nb", u"\u00FC\nb"}};
+  const std::vector<std::string> negative = {"",           "ERROR: no",   "SUCCESS",   "SUCCESS:",  "SUCCESS x",
+                                             "success: x", " SUCCESS: x", "SUCCESS:x", "SUCCESS:\t"};
+  for (const auto& [answer, value] : positive) peer.expect("FUNCTION: GETAUXFILE 0").answer(answer);
+  for (const Question& question : questions()) {
+    peer.expect(question.request).answer("SUCCESS: 42");
+    for (const std::string& answer : negative) peer.expect(question.request).answer(answer);
   }
   connect();
-  for (const std::string& answer : answers) {
-    for (const Question& question : questions()) {
-      EXPECT_THAT([&] { question.ask(connection); }, ThrowsMessage<std::invalid_argument>(question.negativeText))
+  for (const auto& [answer, value] : positive) EXPECT_EQ(requestAuxFilename(socket, 0), value);
+  for (const Question& question : questions()) {
+    EXPECT_EQ(question.ask(socket), u"42") << question.scriptFunction;
+    for (const std::string& answer : negative)
+      EXPECT_THAT([&] { question.ask(socket); }, ThrowsMessage<std::invalid_argument>(question.negativeText))
           << question.scriptFunction << " answered " << answer;
-    }
   }
   peer.finish();
 }
@@ -179,12 +125,14 @@ TEST_F(Requests, ACountMustBeAnIntegerAndEveryAnswerUtf8) {
   peer.expect("FUNCTION: GETAUXFILE 1").answer("SUCCESS: \xFF");
   connect();
   for (const std::string& value : values) {
-    EXPECT_THAT([&] { requestSubmitInfoEntryElementCount(connection, u"k"); },
+    EXPECT_THAT([&] { requestSubmitInfoEntryElementCount(socket, u"k"); },
                 ThrowsMessage<boost::bad_lexical_cast>(
                     "bad lexical cast: source type value could not be interpreted as target"))
         << value;
   }
-  EXPECT_THAT([&] { requestAuxFilename(connection, 1); }, ThrowsMessage<utf8::invalid_utf8>("Invalid UTF-8"));
+  EXPECT_THAT([&] { requestAuxFilename(socket, 1); }, ThrowsMessage<utf8::invalid_utf8>("Invalid UTF-8"));
+  EXPECT_THAT([&] { requestPathMappedFilename(socket, kUnpaired); },
+              ThrowsMessage<utf8::invalid_utf16>("Invalid UTF-16"));
   peer.finish();
 }
 
@@ -202,25 +150,34 @@ TEST_F(Requests, AWorkerThatDoesNotAnswerOrHangsUpIsAScriptError) {
   peer.expect(question.request).letTimePass(clock, 119999).letTimePass(clock, 1);
   peer.expect(question.request).close().expectEnd();
   connect();
-  expectScriptError(question, connection, "simple_socket: Timed out waiting for header packet to arrive.");
-  EXPECT_TRUE(connection.isConnected());
-  expectScriptError(question, connection, "simple_socket::receive: socket was disconnected while reading header.");
-  EXPECT_FALSE(connection.isConnected());
+  expectScriptError(question, socket, "simple_socket: Timed out waiting for header packet to arrive.");
+  EXPECT_TRUE(socket.isConnected());
+  expectScriptError(question, socket, "simple_socket::receive: socket was disconnected while reading header.");
+  EXPECT_FALSE(socket.isConnected());
   peer.finish();
 }
 
-TEST_F(Requests, AMissingConnectionIsAScriptErrorButTheMessageQueueIsDrainedFirst) {
+TEST_F(Requests, NoticesNeverFailTheirCaller) {
   const auto drainsOf = [](const auto& operation) {
     const std::uint64_t before = platform::pumpCount();
     operation();
     return platform::pumpCount() - before;
   };
+  std::vector<std::string> logged;
+  for (const Notice& notice : notices()) {
+    EXPECT_EQ(drainsOf([&] { notice.send(socket, u"text"); }), notice.drains ? 1U : 0U) << notice.word;
+    if (notice.logged)
+      logged.insert(logged.end(), {"text", "  failed to send this message to Tessaryn because: "s + kSendUnconnected});
+    EXPECT_EQ(log.lines(), logged) << notice.word;
+  }
+  EXPECT_EQ(drainsOf([&] { EXPECT_TRUE(sendProgress(socket, 5)); }), 1U);
+  EXPECT_EQ(log.lines(), logged);
+  // Those of the render callback do, which reports the failure itself.
+  EXPECT_THAT([&] { postTitle(socket, u"text"); }, ThrowsMessage<win32::simple_socket_error>(kSendUnconnected));
+  EXPECT_THAT([&] { postProgress(socket, 5); }, ThrowsMessage<win32::simple_socket_error>(kSendUnconnected));
+  // A question is a script error, and the message queue is drained first.
   for (const Question& question : questions())
-    EXPECT_EQ(drainsOf([&] { expectScriptError(question, connection, kSendUnconnected); }), 1U);
-  for (const Notice& notice : notices())
-    EXPECT_EQ(drainsOf([&] { notice.send(connection, u"t"); }), notice.drains ? 1U : 0U) << notice.word;
-  EXPECT_EQ(drainsOf([&] { sendProgress(connection, 1); }), 1U);
-  EXPECT_EQ(drainsOf([&] { pump_messages(); }), 1U);
+    EXPECT_EQ(drainsOf([&] { expectScriptError(question, socket, kSendUnconnected); }), 1U);
 }
 
 }  // namespace
