@@ -50,36 +50,32 @@ TEST_F(JobCommands, StartJobNotesTheSceneAndLoadsIt) {
 }
 
 TEST_F(JobCommands, StartAndEndReportFailuresBeforeTheyCloseWithSuccess) {
-  EXPECT_TRUE(runLine("EndJob,whatever",
-                      {"ERROR: EndJob called when consistency check flag jobRunning was not set", "SUCCESS"}));
-  EXPECT_THAT(log.lines(), Contains("Sending error"));
-
-  startAfresh();
-  openJob();
-  EXPECT_TRUE(runLine("StartJob,a.max,", {"ERROR: StartJob called when job was already running.", kLoaded}));
-  EXPECT_THAT(log.lines(), AllOf(Contains("Sending error"), Contains("Sending success")));
-
-  startAfresh();
-  openJob();
-  EXPECT_TRUE(runLine("EndJob", {"SUCCESS"}));
-  EXPECT_FALSE(job->jobRunning);
-}
-
-TEST_F(JobCommands, AFaultLeavesTheJobAsItWas) {
   const struct {
-    std::string line, operation, command, closing;
-    bool open;
-  } cases[] = {{"StartJob,a.max,", "SetDefaultAction", "StartJob", kLoaded, false},
-               {"EndJob", "ResetScene", "EndJob", "SUCCESS", true}};
+    std::string line, faulting, error, closing;
+    bool openBefore, openAfter;
+  } cases[] = {
+      {"EndJob,whatever", "", "EndJob called when consistency check flag jobRunning was not set", "SUCCESS", false,
+       false},
+      {"EndJob", "", "", "SUCCESS", true, false},
+      {"EndJob", "ResetScene", "Trapped SEH Exception in EndJob(): Access Violation\nProcess:  ", "SUCCESS", true,
+       true},
+      {"StartJob,a.max,", "", "StartJob called when job was already running.", kLoaded, true, true},
+      {"StartJob,a.max,", "SetDefaultAction",
+       "Trapped SEH Exception in StartJob(): Access Violation\nProcess:  ", kLoaded, false, false},
+  };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.line + " " + c.faulting);
     startAfresh();
-    if (c.open) openJob();
-    host.calls.on(c.operation, support::writingToNull());
+    if (c.openBefore) openJob();
+    if (!c.faulting.empty()) host.calls.on(c.faulting, support::writingToNull());
     worker->handshake("token").send(c.line);
-    worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in " + c.command + "(): Access Violation\nProcess:  "));
+    if (!c.error.empty()) worker->expectThat(StartsWith("ERROR: " + c.error));
     worker->expect(c.closing).close();
     EXPECT_TRUE(run());
-    EXPECT_EQ(job->jobRunning, c.open);
+    EXPECT_EQ(job->jobRunning, c.openAfter);
+    const std::vector<std::string> lines = log.lines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Sending error"), c.error.empty() ? 0 : 1);
+    host.calls.off(c.faulting);
   }
 }
 
@@ -102,25 +98,20 @@ TEST_F(JobCommands, RenderTaskRendersAndTellsTheResultLast) {
   EXPECT_EQ(host.calls.count("CurRendererRenderFrame"), 2);
 }
 
-TEST_F(JobCommands, RenderTaskReportsFailuresBeforeItsResult) {
-  openJob();
-  host.calls.on("SetTime", support::throwingStandard("no time"));
-  worker->handshake("token").send("RenderTask,3").expect("STARTED");
-  worker->skipUntil("ERROR: no time").expect("ERROR: Failed to save file.").close();
-  EXPECT_TRUE(run());
-  EXPECT_THAT(clock.sleeps(), ElementsAre(500));
-
-  startAfresh();
-  openJob();
-  host.calls.on("SetTime", support::writingToNull());
-  worker->handshake("token").send("RenderTask,3").expect("STARTED");
-  worker->expect("FUNCTION: STDOUT: MaxCorvantis: Render frame 3");
-  worker->expectThat(StartsWith("ERROR: Trapped SEH Exception in RenderFrame(): Access Violation\nProcess:  "));
-  worker->expect("ERROR: Failed to save file.");
-  // The same process goes on with the next command.
-  worker->send("CurrentTask,9").close();
-  EXPECT_TRUE(run());
-  EXPECT_EQ(job->currentTask, 9);
+TEST_F(JobCommands, RenderTaskReportsFailuresBeforeItsResultAndTheProcessGoesOn) {
+  const std::pair<support::Hook, std::string> cases[] = {
+      {support::throwingStandard("no time"), "no time"},
+      {support::writingToNull(), "Trapped SEH Exception in RenderFrame(): Access Violation\nProcess:  "}};
+  for (const auto& [hook, error] : cases) {
+    startAfresh();
+    openJob();
+    host.calls.on("SetTime", hook);
+    worker->handshake("token").send("RenderTask,3").expect("STARTED");
+    worker->expect("FUNCTION: STDOUT: MaxCorvantis: Render frame 3").expectThat(StartsWith("ERROR: " + error));
+    worker->expect("ERROR: Failed to save file.").send("CurrentTask,9").close();
+    EXPECT_TRUE(run());
+    EXPECT_EQ(job->currentTask, 9);
+  }
   EXPECT_THAT(clock.sleeps(), ElementsAre(500, 500));
 }
 
