@@ -98,6 +98,11 @@ class FrameFixture : public JobFixture {
     for (const std::u16string& name : job.savedOutputFiles) names.push_back(narrow(name));
     return relative(std::move(names));
   }
+  // The same of a frame that is to be rendered first.
+  std::vector<std::string> saved(std::int32_t frame) {
+    EXPECT_EQ(render(frame), "");
+    return savedFiles();
+  }
   std::vector<std::string> relative(std::vector<std::string> lines) const {
     const std::string folder = narrow(out.wide());
     for (std::string& line : lines) {
