@@ -8,9 +8,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "hostsdk/function_publishing.h"
 #include "support/fake_host.h"
 #include "support/fake_script_runtime.h"
+#include "support/published_entries.h"
 
 namespace {
 
@@ -34,20 +34,13 @@ void printExports(const boost::dll::shared_library& library) {
   library.get<void()>("LibInit")();
 }
 
-hostsdk::FunctionID functionNamed(const hostsdk::PublishedInterface& published, const std::u16string& name) {
-  for (const hostsdk::PublishedFunction& function : published.functions) {
-    if (function.name == name) return function.id;
-  }
-  throw std::runtime_error("the plug-in publishes no function " + support::narrow(name));
-}
-
 bool runDaemon(const Arguments& arguments, support::FakeScriptRuntime& scripts) {
   hostsdk::FPInterfaceDesc& utility = *hostsdk::registeredInterfaces().at(0);
   hostsdk::FPParams parameters;
   const std::u16string token(arguments.token.begin(), arguments.token.end());
   parameters.params = {hostsdk::FPValue::ofInt(arguments.port), hostsdk::FPValue::ofValue(scripts.newString(token))};
   hostsdk::FPValue result;
-  utility.Invoke(functionNamed(utility.published(), u"RunCorvantisDaemon"), result, &parameters);
+  utility.Invoke(support::idOf(utility.published(), u"RunCorvantisDaemon"), result, &parameters);
   return result.i != 0;
 }
 

@@ -78,17 +78,6 @@ TEST_F(RunDaemon, DrainsTheMessageQueueWhileTheWorkerIsIdle) {
   EXPECT_EQ(job->currentTask, 7);
 }
 
-TEST_F(RunDaemon, RefusesASecondRunWhileOneIsUnderWay) {
-  running = true;
-  EXPECT_FALSE(RunCorvantisDaemon(*job, *connection, running, worker->port(), u"token"));
-  EXPECT_TRUE(running);
-  EXPECT_FALSE(connection->isConnected());
-  const std::string text = "RunCorvantisDaemon() was executed while the daemon is already running.";
-  EXPECT_THAT(log.lines(), Contains(text));
-  EXPECT_EQ(support::narrow(scripts.printed()), text);
-  running = false;
-}
-
 TEST_F(RunDaemon, FramesEveryCommandInTheLog) {
   runLine("CurrentTask,\"3\"", {});
   EXPECT_THAT(log.lines(), ElementsAre(testing::_, "running daemon...", "", "Got command: CurrentTask,\"3\"", "",

@@ -66,27 +66,22 @@ class FunctionPublishing : public testing::Test {
   support::FakeHost host{&scripts};
 };
 
-TEST_F(FunctionPublishing, ParametersWithoutANameAreNumbered) {
-  const Sample sample([](auto& descriptor) { descriptor.addFunction(&Sample::textText, u"half", {u"port"}); });
-  EXPECT_TRUE(sample.descriptorLoaded());
-  const auto& parameters = sample.published().functions.at(0).parameters;
-  EXPECT_EQ(parameters.at(0).name, u"port");
-  EXPECT_EQ(parameters.at(1).name, u"Param2");
-}
-
-TEST_F(FunctionPublishing, GivenIdsKeepTheirNumberAndDoNotAdvanceTheCounter) {
+TEST_F(FunctionPublishing, GivenIdsAndNamesAreKeptAndTheOthersCounted) {
   const Sample sample([](auto& descriptor) {
     descriptor.addFunction(&Sample::nothing, u"first");
     descriptor.addFunction(&Sample::nothing, u"given", {}, 500);
     descriptor.addFunction(&Sample::nothing, u"negative as a signed number", {}, 40000);
     descriptor.addFunction(&Sample::nothing, u"automatic", {}, 65536);
-    descriptor.addFunction(&Sample::text, u"replaced", {}, 500);
+    descriptor.addFunction(&Sample::textText, u"replaced", {u"port"}, 500);
   });
+  EXPECT_TRUE(sample.descriptorLoaded());
   std::vector<std::pair<hostsdk::FunctionID, std::u16string>> listed;
   for (const auto& function : sample.published().functions) listed.emplace_back(function.id, function.name);
   EXPECT_THAT(listed, ElementsAre(std::pair(40000, u"negative as a signed number"), std::pair(0, u"first"),
                                   std::pair(1, u"automatic"), std::pair(500, u"replaced")));
   EXPECT_TRUE(sample.published().properties.empty());
+  const auto& parameters = sample.published().functions.back().parameters;
+  EXPECT_EQ(parameters.at(0).name + u" " + parameters.at(1).name, u"port Param2") << "without a name: numbered";
 }
 
 TEST_F(FunctionPublishing, TextsMayBeMissingAndAFunctionWithoutAResultLeavesTheSlotAlone) {

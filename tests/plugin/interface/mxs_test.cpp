@@ -34,8 +34,16 @@ class ScriptHelpers : public testing::Test {
     EXPECT_EQ(scripts.disorder, 0);
   }
 
+  // A script file of this content.
+  std::u16string scriptFile(const std::string& name, const std::u16string& content) {
+    folder.write(name, "");
+    scripts.files[folder.wide(name)] = content;
+    return folder.wide(name);
+  }
+
   support::FakeScriptRuntime scripts;
   support::FakeHost host{&scripts};
+  const support::TemporaryFolder folder;
 };
 
 TEST_F(ScriptHelpers, AFrameKeepsItsSlotsAliveAndRefusesMoreThanItHas) {
@@ -62,14 +70,11 @@ TEST_F(ScriptHelpers, AFrameKeepsItsSlotsAliveAndRefusesMoreThanItHas) {
 }
 
 TEST_F(ScriptHelpers, FileInGivesTheLastValueAndClosesTheFile) {
-  const support::TemporaryFolder folder;
-  folder.write("pre.ms", "40 + 2");
-  scripts.files[folder.wide("pre.ms")] = u"40 + 2";
   scripts.evaluation = [&](const std::u16string&) {
     EXPECT_EQ(scripts.fileStreams.at(0)->closed, 0);
     return scripts.newString(u"42");
   };
-  hostsdk::Value* value = file_in(folder.wide("pre.ms"));
+  hostsdk::Value* value = file_in(scriptFile("pre.ms", u"40 + 2"));
   EXPECT_EQ(value->text(), u"42");
   EXPECT_EQ(scripts.threadLocals.result, value);
   EXPECT_THAT(scripts.sources, ElementsAre(u"40 + 2"));
@@ -79,13 +84,10 @@ TEST_F(ScriptHelpers, FileInGivesTheLastValueAndClosesTheFile) {
   EXPECT_EQ(stream.openedCodePage, -1);
   EXPECT_EQ(stream.closed, 1);
 
-  folder.write("empty.ms", "");
-  scripts.files[folder.wide("empty.ms")] = u"";
-  EXPECT_EQ(file_in(folder.wide("empty.ms")), scripts.undefined());
+  EXPECT_EQ(file_in(scriptFile("empty.ms", u"")), scripts.undefined());
 }
 
 TEST_F(ScriptHelpers, FileInTellsWhatWentWrong) {
-  const support::TemporaryFolder folder;
   folder.write("pre.ms", "x");
   const std::u16string script = folder.wide("pre.ms");
   EXPECT_EQ(errorOf([&] { file_in(u"\\no such\\script.ms"); }),
@@ -105,30 +107,21 @@ TEST_F(ScriptHelpers, FileInTellsWhatWentWrong) {
   for (std::size_t i = 1; i < scripts.fileStreams.size(); ++i) EXPECT_EQ(scripts.fileStreams[i]->closed, 1);
 }
 
-TEST_F(ScriptHelpers, StringScriptsRunAsOneBlockWithTheirLocals) {
-  hostsdk::Value* locals = nullptr;
-  scripts.evaluation = [&](const std::u16string&) {
-    locals = scripts.globalValues.values.at(kLocals);
-    EXPECT_EQ(dynamic_cast<hostsdk::Array&>(*locals).size(), 0U);
-    return scripts.newString(u"done");
-  };
-  executeScriptString script(u"a = 1\na + 1");
-  EXPECT_EQ(script.run()->text(), u"done");
-  EXPECT_THAT(scripts.sources, ElementsAre(u"(a = 1\na + 1)"));
-  EXPECT_EQ(scripts.globalValues.values.count(kLocals), 0U);
-}
-
 TEST_F(ScriptHelpers, StringScriptsLeaveTheLocalsGlobalAsItWas) {
   using Evaluation = support::FakeScriptRuntime::Evaluation;
   const Evaluation fails = [](auto&) -> hostsdk::Value* { throw hostsdk::RuntimeError(u"x"); };
   const Evaluation removes = [this](auto&) { return scripts.globalValues.values.erase(kLocals), scripts.ok(); };
-  const Evaluation succeeds = [this](auto&) { return scripts.ok(); };
+  const Evaluation succeeds = [this](const std::u16string& source) {
+    EXPECT_EQ(source, u"(a = 1\na + 1)");
+    EXPECT_EQ(dynamic_cast<hostsdk::Array&>(*scripts.globalValues.values.at(kLocals)).size(), 0U);
+    return scripts.ok();
+  };
   for (const Evaluation& evaluation : {fails, removes, succeeds}) {
     scripts.evaluation = evaluation;
     for (hostsdk::Value* before : {static_cast<hostsdk::Value*>(nullptr), scripts.ok()}) {
       scripts.globalValues.values.clear();
       if (before != nullptr) scripts.globalValues.values[kLocals] = before;
-      executeScriptString script(u"x");
+      executeScriptString script(u"a = 1\na + 1");
       errorOf([&] { script.run(); });
       const auto after = scripts.globalValues.values.find(kLocals);
       EXPECT_EQ(after == scripts.globalValues.values.end() ? nullptr : after->second, before);
@@ -156,10 +149,7 @@ TEST_F(ScriptHelpers, StringScriptsRestoreTheThreadWhenTheyAreGone) {
   EXPECT_EQ(scripts.threadLocals.evaluationLevel, 3);
   EXPECT_EQ(scripts.threadLocals.sourcePosition, 40);
 
-  const support::TemporaryFolder folder;
-  folder.write("pre.ms", "x");
-  scripts.files[folder.wide("pre.ms")] = u"x";
-  file_in(folder.wide("pre.ms"));
+  file_in(scriptFile("pre.ms", u"x"));
   EXPECT_EQ(scripts.threadLocals.currentStdout, &elsewhere) << "files restore nothing of the kind";
 }
 

@@ -63,15 +63,5 @@ TEST_F(FileHelpers, MakeFoldersFromTheUppermostDown) {
                                    "createDirectory D:\\out\\a\\b", "createDirectory out", "createDirectory out//a"));
 }
 
-TEST_F(FileHelpers, MakeFoldersForRealAndReportNothing) {
-  make_directories(folder.wide("out/a/b/"));
-  EXPECT_TRUE(directory_exists(folder.wide("out/a/b")));
-  make_directories(folder.wide("out/a/b"));
-
-  fake.fail("createDirectory", "c", platform::error::kAccessDenied);
-  make_directories(folder.wide("out/c"));
-  EXPECT_FALSE(directory_exists(folder.wide("out/c")));
-}
-
 }  // namespace
 }  // namespace corvantis

@@ -66,17 +66,6 @@ TEST(Paths, AreTakenApart) {
   }
 }
 
-TEST(Paths, GetAnotherTail) {
-  const struct {
-    std::u16string path, result;
-  } rows[] = {{u"C:\\out\\beauty0005.exr", u"C:\\out\\beauty0005_alt_0.exr"},
-              {u"beauty.exr", u"beauty_alt_0.exr"},
-              {u"C:\\beauty.exr", u"C:\\beauty_alt_0.exr"},
-              {u"C:beauty.exr", u"C:beauty_alt_0.exr"},
-              {u"C:/out/beauty", u"C:\\out\\beauty_alt_0.exr"}};
-  for (const auto& row : rows) EXPECT_EQ(replace_file_name(row.path, u"_alt_0.exr"), row.result);
-}
-
 TEST(Paths, FrameNumbersArePadded) {
   EXPECT_EQ(pad_frame_number(5, 4), u"0005");
   EXPECT_EQ(pad_frame_number(0, 4), u"0000");
@@ -87,19 +76,20 @@ TEST(Paths, FrameNumbersArePadded) {
   EXPECT_EQ(pad_frame_number(7, 0), u"7");
 }
 
-TEST(Paths, GetTheFrameNumberBeforeTheExtension) {
+TEST(Paths, GetTheFrameNumberBeforeTheExtensionOrAnotherTail) {
   const struct {
-    std::u16string name;
-    std::int32_t number;
-    std::u16string result;
-  } rows[] = {{u"beauty.exr", 7, u"beauty0007.exr"},
-              {u"C:/out//beauty.exr", 7, u"C:\\out\\beauty0007.exr"},
-              {u"C:\\out\\beauty", 7, u"C:\\out\\beauty0007"},
-              {u"C:\\out\\beauty.tar.exr", 7, u"C:\\out\\beauty.tar0007.exr"},
-              {u"C:\\out\\beauty.exr", -3, u"C:\\out\\beauty-003.exr"},
-              {u"C:\\out\\beauty.exr", 123456, u"C:\\out\\beauty123456.exr"},
-              {u"C:\\beauty.exr", 7, u"C:\\beauty0007.exr"}};
-  for (const auto& row : rows) EXPECT_EQ(make_numbered_name(row.name, row.number), row.result);
+    std::u16string name, numbered, otherTail;
+  } rows[] = {{u"beauty.exr", u"beauty0007.exr", u"beauty_alt_0.exr"},
+              {u"C:/out//beauty.exr", u"C:\\out\\beauty0007.exr", u"C:\\out\\beauty_alt_0.exr"},
+              {u"C:\\out\\beauty", u"C:\\out\\beauty0007", u"C:\\out\\beauty_alt_0.exr"},
+              {u"out\\beauty.tar.exr", u"out\\beauty.tar0007.exr", u"out\\beauty.tar_alt_0.exr"},
+              {u"C:beauty.exr", u"C:\\beauty0007.exr", u"C:beauty_alt_0.exr"},
+              {u"C:\\beauty.exr", u"C:\\beauty0007.exr", u"C:\\beauty_alt_0.exr"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(make_numbered_name(row.name, 7), row.numbered);
+    EXPECT_EQ(replace_file_name(row.name, u"_alt_0.exr"), row.otherTail);
+  }
+  EXPECT_EQ(make_numbered_name(u"a.exr", -3), u"a-003.exr");
 }
 
 TEST(Paths, OfScenesAreTakenApartAsTheyStand) {
