@@ -18,9 +18,7 @@ namespace {
 
 namespace process = boost::process;
 using support::ScriptedPeer;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
+using namespace testing;
 
 const std::string kToken = "a-token";
 

@@ -8,11 +8,7 @@
 namespace corvantis {
 namespace {
 
-using testing::AllOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::StartsWith;
+using namespace testing;
 
 constexpr const char* kLoaded = "SUCCESS Scene loaded successfully";
 

@@ -13,9 +13,7 @@
 namespace corvantis {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace testing;
 
 class RunDaemon : public DaemonTest {
  protected:
@@ -87,7 +85,6 @@ TEST_F(RunDaemon, FramesEveryCommandInTheLog) {
 TEST_F(RunDaemon, ReportsAMessageThatIsNoCommandLine) {
   const std::pair<std::string, std::string> cases[] = {
       {"StartJob,C:\\scenes\\a.max,", "unknown escape sequence"},
-      {"CONTINUE\\", "cannot end with escape"},
       {"\xff", "Invalid UTF-8"},
       {"", "simple_socket::receive: Invalid packet size (given 100001)"}};
   for (const auto& [line, text] : cases) {
