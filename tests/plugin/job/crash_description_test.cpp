@@ -148,26 +148,19 @@ TEST(DescribeCrash, OutsideEveryModuleTellsTheAddressInstead) {
   EXPECT_EQ(describeCrash(nullptr).view(), "Process:  " + programPath() + "\nCall Stack:");
 }
 
-TEST(DescribeCallStack, HasAtMostTwentyFrames) {
+TEST(DescribeCallStack, EndsAfterTwentyFramesOrAtAReturnAddressThatIsNoCode) {
   const std::vector<FrameRecord> frames = chainOf(50, knownCode());
-  std::vector<FrameRecord> ring = chainOf(1, knownCode());  // bites its tail
-  ring.front().link = firstOf(ring);
-  for (const std::uintptr_t first : {firstOf(frames), firstOf(ring)}) {
+  std::vector<FrameRecord> ring = chainOf(1, knownCode()), broken = chainOf(5, knownCode());
+  ring.front().link = firstOf(ring);  // bites its tail
+  const int data = 0;
+  // Windows takes whatever can be read for code.
+  broken[2].returnAddress = support::kIsWindows ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&data);
+  for (const auto& [first, count] : {std::pair(firstOf(frames), 20U), {firstOf(ring), 20U}, {firstOf(broken), 3U}}) {
     CrashText text;
     const std::size_t appended = describeCallStack(contextAt(knownCode(), first), text);
     EXPECT_EQ(appended, text.view().size());
-    EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 20U);
+    EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * count);
   }
-}
-
-TEST(DescribeCallStack, EndsAtAReturnAddressThatIsNoCode) {
-  std::vector<FrameRecord> frames = chainOf(5, knownCode());
-  const int data = 0;
-  // Windows takes whatever can be read for code.
-  frames[2].returnAddress = support::kIsWindows ? support::kUnmappedAddress : reinterpret_cast<std::uintptr_t>(&data);
-  CrashText text;
-  describeCallStack(contextAt(knownCode(), firstOf(frames)), text);
-  EXPECT_EQ(linesOf(text.view()).size(), 1 + 2 * 3U);
 }
 
 TEST(CrashText, CutsWhatDoesNotFit) {
