@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "hostsdk/function_publishing.h"
 #include "support/fake_host.h"
 #include "support/fake_script_runtime.h"
 #include "support/published_entries.h"

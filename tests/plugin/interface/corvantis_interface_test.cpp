@@ -238,7 +238,8 @@ TEST_F(TessarynUtil, FailRenderRaisesItsMessageAnywhere) {
 
 TEST_F(TessarynUtil, ADaemonRunInsideADaemonRunIsRefusedAndTheOuterOneGoesOn) {
   const auto script = [this] {
-    return shown(call(u"RunCorvantisDaemon", {FPValue::ofInt(1), text(u"t")})) + shown(call(u"CurrentTask"));
+    const std::string refused = shown(call(u"RunCorvantisDaemon", {FPValue::ofInt(1), text(u"t")}));
+    return refused + shown(call(u"CurrentTask"));
   };
   EXPECT_TRUE(runScript(
       script, [] {}, "SUCCESS: false0"));
