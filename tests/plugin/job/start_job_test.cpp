@@ -54,7 +54,7 @@ TEST_F(StartOfJob, TakesItsStepsInOrder) {
   EXPECT_EQ(job.renderViewport, &host.core.viewports[0]);
   EXPECT_EQ(job.renderCamera, host.core.viewports[0].camera);
 
-  EndJob(job);  // where the scene is to be merged, or the view is no camera's
+  EndJob(job);  // where path files are to be merged, and the view is no camera's
   host.calls.clear();
   job.settings.gammaCorrection = false;
   job.settings.mergePathConfigFile = true;
