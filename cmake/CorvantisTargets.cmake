@@ -128,7 +128,8 @@ function(corvantis_program name)
   target_link_libraries(${name} PRIVATE corvantis_options ${ARG_DEPENDS})
 endfunction()
 
-# Every test program of code that several threads work at; ./test.sh --concurrent builds it.
+# Every test program of code that several threads work at; ./test.sh --concurrent builds it. The ray tracer's is not among
+# them: its threads are Embree's and TBB's, which the sanitizer does not see (tsan.supp).
 add_custom_target(concurrent_tests)
 
 # corvantis_test(NAME SOURCES ... DEPENDS ... [CONCURRENT] [ENVIRONMENT NAME=value...]): one test program a folder, every
