@@ -22,53 +22,70 @@ constinit Undying processLog;
 
 constinit LogFile& log_file = processLog.log;
 
-LogFile::~LogFile() { close(); }
-
-void LogFile::open(const std::u16string& path) {
-  if (isOpen()) {
-    failed_ = true;
-    return;
-  }
-  file_ = platform::openTextFile(path);
-  failed_ = file_ == nullptr;
-  if (file_) pending_ = std::make_unique<std::string>();
-}
-
-void LogFile::close() {
-  flush();
-  file_.reset();
-  pending_.reset();
-  failed_ = false;
-}
-
-LogFile& LogFile::operator<<(std::string_view text) {
-  if (file_ && !failed_) pending_->append(text);
+LogLine& LogLine::operator<<(std::string_view text) {
+  text_.append(text);
   return *this;
 }
 
-LogFile& LogFile::operator<<(double value) {
+LogLine& LogLine::operator<<(double value) {
   std::array<char, 32> buffer;
   const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, 6);
   return *this << std::string_view(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
 }
 
-LogFile& LogFile::operator<<(const void* pointer) {
+LogLine& LogLine::operator<<(const void* pointer) {
   std::array<char, 32> buffer;
   const auto end =
       std::to_chars(buffer.data(), buffer.data() + buffer.size(), reinterpret_cast<std::uintptr_t>(pointer), 16);
   return *this << "0x" << std::string_view(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
 }
 
-LogFile& LogFile::endl(LogFile& log) {
-  log << '\n';
-  log.flush();
-  return log;
+void LogLine::flush() {
+  if (!text_.empty()) log_.write(text_);
+  text_.clear();
 }
 
-void LogFile::flush() {
-  if (!file_ || failed_ || pending_->empty()) return;
-  failed_ = !file_->write(*pending_);
-  pending_->clear();
+void LogFile::open(const std::u16string& path) {
+  const std::lock_guard lock(mutex_);
+  if (file_) {
+    failed_ = true;
+    return;
+  }
+  file_ = platform::openTextFile(path);
+  unlocked_ = file_.get();
+  failed_ = file_ == nullptr;
+}
+
+void LogFile::close() {
+  const std::lock_guard lock(mutex_);
+  unlocked_ = nullptr;
+  file_.reset();
+  failed_ = false;
+}
+
+bool LogFile::isOpen() const {
+  const std::lock_guard lock(mutex_);
+  return file_ != nullptr;
+}
+
+bool LogFile::failed() const {
+  const std::lock_guard lock(mutex_);
+  return failed_;
+}
+
+LogLine& LogFile::endl(LogLine& line) {
+  line << '\n';
+  line.flush();
+  return line;
+}
+
+void LogFile::write(std::string_view text) {
+  const std::lock_guard lock(mutex_);
+  if (file_ && !failed_) failed_ = !file_->write(text);
+}
+
+void LogFile::writeUnlocked(std::string_view text) noexcept {
+  if (platform::TextFile* const file = unlocked_) (void)file->write(text);
 }
 
 void openLogFile(LogFile& log) {

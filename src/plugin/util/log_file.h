@@ -2,11 +2,15 @@
 // failures: a log that could not be opened, or written once, swallows everything.
 //
 //   log_file << "Loading " << fileName << LogFile::endl;
+//
+// Any thread may write: what a statement writes up to a line end reaches the file in one piece.
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -15,47 +19,80 @@
 
 namespace corvantis {
 
-// Not for two threads at once.
+class LogFile;
+
+// What one statement writes, on its way to the log. Nothing is locked while its pieces are made: making one may log
+// itself, throw or run into a machine fault.
+class LogLine {
+ public:
+  template <class Piece>
+  LogLine(LogFile& log, const Piece& first) : log_(log) {
+    *this << first;
+  }
+  // What no line end has brought to the file goes there now.
+  ~LogLine() { flush(); }
+  LogLine(const LogLine&) = delete;
+  LogLine& operator=(const LogLine&) = delete;
+
+  // Narrow text as it is; wide text through to_string; numbers in the classic locale, floating-point ones with six
+  // significant digits; booleans as 1 or 0; pointers in hexadecimal. Null texts write nothing.
+  LogLine& operator<<(std::string_view text);
+  LogLine& operator<<(const std::string& text) { return *this << std::string_view(text); }
+  LogLine& operator<<(const char* text) { return text == nullptr ? *this : *this << std::string_view(text); }
+  LogLine& operator<<(char character) { return *this << std::string_view(&character, 1); }
+  LogLine& operator<<(const std::u16string& text) { return *this << to_string(text); }
+  LogLine& operator<<(const char16_t* text) { return *this << to_string(text); }
+  LogLine& operator<<(std::same_as<bool> auto value) { return *this << (value ? '1' : '0'); }
+  LogLine& operator<<(PlainInteger auto value) { return *this << to_string(value); }
+  LogLine& operator<<(float value) { return *this << to_string(value); }
+  LogLine& operator<<(double value);
+  LogLine& operator<<(const void* pointer);
+  LogLine& operator<<(LogLine& (*manipulator)(LogLine&)) { return manipulator(*this); }
+
+ private:
+  friend class LogFile;
+  void flush();
+
+  LogFile& log_;
+  std::string text_;
+};
+
 class LogFile {
  public:
   constexpr LogFile() noexcept = default;
-  ~LogFile();
+  ~LogFile() { close(); }
   LogFile(const LogFile&) = delete;
   LogFile& operator=(const LogFile&) = delete;
 
   // Opens the file for writing from empty; others may read it meanwhile. When a file is open already it stays so, and
   // the log fails.
   void open(const std::u16string& path);
-  // Writes what is pending; the log is then as before its first open.
+  // The log is then as before its first open.
   void close();
 
-  bool isOpen() const { return file_ != nullptr; }
+  bool isOpen() const;
   // Set by a failed open or write; writes are then discarded.
-  bool failed() const { return failed_; }
+  bool failed() const;
 
-  // Narrow text as it is; wide text through to_string; numbers in the classic locale, floating-point ones with six
-  // significant digits; booleans as 1 or 0; pointers in hexadecimal. Null texts write nothing.
-  LogFile& operator<<(std::string_view text);
-  LogFile& operator<<(const std::string& text) { return *this << std::string_view(text); }
-  LogFile& operator<<(const char* text) { return text == nullptr ? *this : *this << std::string_view(text); }
-  LogFile& operator<<(char character) { return *this << std::string_view(&character, 1); }
-  LogFile& operator<<(const std::u16string& text) { return *this << to_string(text); }
-  LogFile& operator<<(const char16_t* text) { return *this << to_string(text); }
-  LogFile& operator<<(std::same_as<bool> auto value) { return *this << (value ? '1' : '0'); }
-  LogFile& operator<<(PlainInteger auto value) { return *this << to_string(value); }
-  LogFile& operator<<(float value) { return *this << to_string(value); }
-  LogFile& operator<<(double value);
-  LogFile& operator<<(const void* pointer);
-
+  // Begins a line with its first piece, of any kind that LogLine takes.
+  template <class Piece>
+  LogLine operator<<(const Piece& first) {
+    return LogLine(*this, first);
+  }
   // Ends the line and brings it to the file at once.
-  static LogFile& endl(LogFile& log);
-  LogFile& operator<<(LogFile& (*manipulator)(LogFile&)) { return manipulator(*this); }
+  static LogLine& endl(LogLine& line);
+
+  // For a machine fault's last words: takes no lock and allocates nothing, the system's write is all there is (on
+  // Windows line ends still cost memory). Not while another thread opens or closes the log.
+  void writeUnlocked(std::string_view text) noexcept;
 
  private:
-  void flush();
+  friend class LogLine;
+  void write(std::string_view text);
 
+  mutable std::mutex mutex_;
   std::unique_ptr<platform::TextFile> file_;
-  std::unique_ptr<std::string> pending_;  // the pieces of the line being written; there as long as file_ is
+  std::atomic<platform::TextFile*> unlocked_{nullptr};  // the same file
   bool failed_ = false;
 };
 

@@ -6,6 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -89,14 +94,34 @@ TEST_F(Log, WritesPiecesAsTheyAre) {
             "e ?\n\ntext wide -5 18446744073709551615\n0.1 1.23457e+06 1e-07 50 10\n");
 }
 
-TEST_F(Log, StartsEmptyHasEveryCompleteLineOnDiskAndKeepsAnUnfinishedLastOne) {
+TEST_F(Log, StartsEmptyAndHasEveryStatementOnDiskWhenItEnds) {
   for (const std::string run : {"first run", "second"}) {
     LogFile oneRun;
     oneRun.open(folder.wide("log"));
-    oneRun << run << LogFile::endl << "unfinished";
-    EXPECT_EQ(folder.readText("log"), run + "\n");
+    oneRun << run << LogFile::endl << [&] { return folder.readText("log") == run + "\n"; }() << "unfinished";
+    EXPECT_EQ(folder.readText("log"), run + "\n1unfinished");
   }
-  EXPECT_EQ(folder.readText("log"), "second\nunfinished");
+}
+
+TEST_F(Log, KeepsTheLinesOfSeveralThreadsWhole) {
+  constexpr int kThreads = 4, kLines = 500;
+  log.open(folder.wide("log"));
+  std::vector<std::thread> writers;
+  for (int writer = 0; writer < kThreads; ++writer) {
+    writers.emplace_back([&, writer] {
+      for (int line = 0; line < kLines; ++line)
+        log << "writer " << writer << u" says " << line << " and no more" << LogFile::endl;
+    });
+  }
+  for (std::thread& writer : writers) writer.join();
+  std::multiset<std::string> expected, found;
+  for (int writer = 0; writer < kThreads; ++writer) {
+    for (int line = 0; line < kLines; ++line)
+      expected.insert("writer " + std::to_string(writer) + " says " + std::to_string(line) + " and no more");
+  }
+  std::istringstream text(folder.readText("log"));
+  for (std::string line; std::getline(text, line);) found.insert(line);
+  EXPECT_EQ(found, expected);
 }
 
 TEST_F(Log, FailsWhenOpenedTwiceOrWhereThereIsNoFolder) {
