@@ -1,6 +1,8 @@
 // Runs work under a guard that catches machine faults (Windows structured exceptions; signals on POSIX, on an alternate
-// stack). Guards nest; the innermost filter that accepts wins. A fault outside every guard, or on another thread, goes
-// the way it went before: earlier handlers are chained, and restored when the last guard ends.
+// stack). Guards nest, and several threads may have theirs at once; the innermost filter of the thread that accepts
+// wins. A fault that no guard takes goes the way it went before: earlier handlers are chained, and restored when the
+// last guard of the process ends. A library that takes the signals for itself meanwhile keeps them until the next guard
+// begins, which goes before it.
 //
 // Destructors between the fault and the guard do not run: the faulting work is abandoned where it stood. What the guard
 // itself puts right: the signal mask, the floating-point environment (as it was when the guard began) and the list of
@@ -57,6 +59,12 @@ using FaultFilter = bool (*)(void* state, const FaultContext& context);
 // A thrown exception passes through unchanged, after the filter has seen it with code kCppThrow (its answer is
 // ignored). On POSIX the address told of a throw is the guard's own: where it was thrown is no longer known by then.
 std::uint32_t runGuarded(void (*work)(void* argument), void* argument, FaultFilter filter, void* state);
+
+// Told of a fault on a thread that has no guard while another has one, before it goes its way; POSIX only (Windows
+// reports such a fault itself). It runs as a filter does, though on that thread's own stack where it has no other.
+using FaultWitness = void (*)(const FaultContext& fault);
+// There is one witness; null for none.
+void tellUnguardedFaults(FaultWitness witness);
 
 // Copies `count` bytes from `address` as far as they can be read, without faulting; returns how many were copied.
 // Safe inside a filter.

@@ -17,8 +17,9 @@ bool findModule(std::uintptr_t address, ModuleAt& module);
 // The program itself: path only.
 void findProgram(ModuleAt& module);
 
+// Local, by the zone's present distance from UTC: on POSIX the one when the last guard began.
 struct FileDate {
-  int month = 0, day = 0, year = 0;  // local time
+  int month = 0, day = 0, year = 0;
 };
 // Last write time of the file of the module that contains `address`; false when it cannot be read.
 bool lastWriteDate(std::uintptr_t address, FileDate& date);

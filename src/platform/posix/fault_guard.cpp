@@ -2,13 +2,16 @@
 
 #include <cxxabi.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cfenv>
 #include <csetjmp>
-#include <ctime>
+#include <optional>
 #include <utility>
 
+#include "platform/posix/alternate_stack.h"
 #include "platform/posix/fault_handlers.h"
+#include "platform/posix/local_date.h"
 #include "platform/posix/signal_fault.h"
 
 namespace platform {
@@ -37,6 +40,8 @@ struct Guard {
 // not be the one to allocate it.
 constinit thread_local Guard* innermost __attribute__((tls_model("initial-exec"))) = nullptr;
 
+constinit std::atomic<FaultWitness> witness{nullptr};
+
 Guard* findTaker(const FaultContext& fault) {
   for (Guard* guard = innermost; guard != nullptr; guard = guard->outer) {
     if (guard->filter(guard->state, fault)) return guard;
@@ -44,18 +49,26 @@ Guard* findTaker(const FaultContext& fault) {
   return nullptr;
 }
 
+// Asks the thread's guards, or tells the witness where there are none. Does not return when a guard takes the fault.
+void judge(const posix::Delivery& delivery) {
+  const bool isWatched = innermost != nullptr;
+  const FaultContext fault =
+      posix::translateFault(delivery.signal, *delivery.info, *static_cast<const ucontext_t*>(delivery.context),
+                            isWatched ? innermost->stackGuard : posix::StackGuardRegion{});
+  if (Guard* const taker = findTaker(fault)) {
+    taker->code = fault.code;
+    ::siglongjmp(taker->landing, 1);
+  }
+  const FaultWitness told = witness;
+  if (!isWatched && told != nullptr) told(fault);
+}
+
 void onFault(int signal, siginfo_t* info, void* context) {
   const int callersError = errno;
-  if (innermost != nullptr && posix::isMachineFault(*info)) {
-    const FaultContext fault =
-        posix::translateFault(signal, *info, *static_cast<const ucontext_t*>(context), innermost->stackGuard);
-    if (Guard* const taker = findTaker(fault)) {
-      taker->code = fault.code;
-      ::siglongjmp(taker->landing, 1);
-    }
-  }
+  const posix::Delivery delivery{signal, info, context, __builtin_frame_address(0)};
+  if (posix::isMachineFault(*info) && !delivery.isHandedBack()) judge(delivery);
   errno = callersError;
-  posix::passToPreviousHandler(signal, info, context);
+  posix::passToPreviousHandler(delivery);
 }
 
 class Entry {
@@ -106,11 +119,16 @@ std::uint32_t enter(Guard& guard, void (*work)(void* argument), void* argument) 
 
 std::uint32_t runGuarded(void (*work)(void* argument), void* argument, FaultFilter filter, void* state) {
   Guard guard{filter, state, innermost, posix::currentStackGuardRegion()};
-  if (guard.outer != nullptr) return enter(guard, work, argument);
-  ::tzset();  // so that a filter can turn a file's time into local time without reading the zone's file
+  posix::noteUtcOffset();
+  if (guard.outer != nullptr) {
+    posix::renewHandlers(&onFault);
+    return enter(guard, work, argument);
+  }
   const posix::AlternateStack stack;
   const posix::HandlerLease handlers(&onFault);
   return enter(guard, work, argument);
 }
+
+void tellUnguardedFaults(FaultWitness told) { witness = told; }
 
 }  // namespace platform

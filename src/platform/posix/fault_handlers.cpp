@@ -1,55 +1,109 @@
 #include "platform/posix/fault_handlers.h"
 
-#include <sys/mman.h>
 #include <ucontext.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
+#include <new>
 
 namespace platform::posix {
 namespace {
 
 constexpr std::array<int, 4> kFaultSignals = {SIGSEGV, SIGBUS, SIGFPE, SIGILL};
 
+// A handler that ours stands before. Never changed once it is linked and never freed: a thread may be reading it in the
+// middle of a fault.
+struct Displaced {
+  struct sigaction action;
+  const Displaced* outer;  // what it stood before, as far as we know
+  const Displaced* madeBefore;
+  mutable std::atomic<bool> isSpent{false};  // called, and only good for one call
+};
+
 struct Installation {
   std::mutex mutex;
   int leases = 0;
-  std::array<struct sigaction, kFaultSignals.size()> previous{};
+  const Displaced* made = nullptr;  // all of them
+  // What each signal is passed to; null before the first lease.
+  std::array<std::atomic<const Displaced*>, kFaultSignals.size()> displaced{};
 };
 constinit Installation installation;
 
-struct sigaction& previousOf(int signal) {
+// The signal that this thread has passed on, and where it goes if it is handed back.
+struct Passing {
+  const void* context = nullptr;
+  const void* frame = nullptr;
+  const Displaced* next = nullptr;
+};
+constinit thread_local Passing passing __attribute__((tls_model("initial-exec"))){};
+
+std::atomic<const Displaced*>& displacedBy(int signal) {
   const auto* const found = std::find(kFaultSignals.begin(), kFaultSignals.end(), signal);
-  return installation.previous[static_cast<std::size_t>(found - kFaultSignals.begin())];
+  return installation.displaced[static_cast<std::size_t>(found - kFaultSignals.begin())];
+}
+
+bool isSame(const struct sigaction& a, const struct sigaction& b) {
+  if (a.sa_flags != b.sa_flags) return false;
+  return (a.sa_flags & SA_SIGINFO) != 0 ? a.sa_sigaction == b.sa_sigaction : a.sa_handler == b.sa_handler;
 }
 
 bool isOurs(const struct sigaction& action, SignalHandler handler) {
   return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == handler;
 }
 
+// Null without memory.
+const Displaced* remember(const struct sigaction& action, const Displaced* outer) {
+  for (const Displaced* known = installation.made; known != nullptr; known = known->madeBefore) {
+    if (known->outer == outer && isSame(known->action, action)) return known;
+  }
+  const Displaced* const made = new (std::nothrow) Displaced{action, outer, installation.made};
+  if (made != nullptr) installation.made = made;
+  return made;
+}
+
+// The chain without a handler that comes to stand before all of it.
+const Displaced* without(const struct sigaction& action, const Displaced* chain) {
+  if (chain == nullptr) return nullptr;
+  if (isSame(chain->action, action)) return chain->outer;
+  return remember(chain->action, without(action, chain->outer));
+}
+
+// What cannot be remembered is left where it is.
+void displace(int signal, const struct sigaction& current, const struct sigaction& ours) {
+  std::atomic<const Displaced*>& place = displacedBy(signal);
+  const Displaced* const top = remember(current, without(current, place));
+  if (top == nullptr) return;
+  top->isSpent = false;
+  place = top;
+  ::sigaction(signal, &ours, nullptr);
+}
+
 void install(SignalHandler handler) {
-  struct sigaction action {};
-  action.sa_sigaction = handler;
-  action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+  struct sigaction ours {};
+  ours.sa_sigaction = handler;
+  ours.sa_flags = SA_SIGINFO | SA_ONSTACK;
   // With all of them blocked a fault inside the handler ends the process instead of coming back to it.
-  sigemptyset(&action.sa_mask);
-  for (const int signal : kFaultSignals) sigaddset(&action.sa_mask, signal);
+  sigemptyset(&ours.sa_mask);
+  for (const int signal : kFaultSignals) sigaddset(&ours.sa_mask, signal);
   for (const int signal : kFaultSignals) {
     struct sigaction current {};
     ::sigaction(signal, nullptr, &current);
-    if (isOurs(current, handler)) continue;
-    previousOf(signal) = current;
-    ::sigaction(signal, &action, nullptr);
+    if (!isOurs(current, handler)) displace(signal, current, ours);
   }
 }
 
+// The last of a chain stays: another thread's signal may be on its way to it, and a handler that came after ours may
+// go on handing signals to ours.
 void restore(SignalHandler handler) {
   for (const int signal : kFaultSignals) {
     struct sigaction current {};
     ::sigaction(signal, nullptr, &current);
-    if (isOurs(current, handler)) ::sigaction(signal, &previousOf(signal), nullptr);
+    if (!isOurs(current, handler)) continue;
+    const Displaced* const top = displacedBy(signal);
+    ::sigaction(signal, &top->action, nullptr);
+    if (top->outer != nullptr) displacedBy(signal) = top->outer;
   }
 }
 
@@ -69,11 +123,30 @@ void takeAgain(int signal, const siginfo_t& info, const struct sigaction& dispos
   if (isSent) ::raise(signal);
 }
 
+bool isFunction(const struct sigaction& action) {
+  return (action.sa_flags & SA_SIGINFO) != 0 || (action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN);
+}
+
+bool isUsedUp(const Displaced& previous) {
+  const bool once = (previous.action.sa_flags & static_cast<int>(SA_RESETHAND)) != 0;
+  return once && previous.isSpent.exchange(true);
+}
+
+void call(const struct sigaction& action, const Delivery& delivery) {
+  enterMaskOf(action, delivery.signal, *static_cast<const ucontext_t*>(delivery.context));
+  if ((action.sa_flags & SA_SIGINFO) != 0) {
+    action.sa_sigaction(delivery.signal, delivery.info, delivery.context);
+  } else {
+    action.sa_handler(delivery.signal);
+  }
+}
+
 }  // namespace
 
 HandlerLease::HandlerLease(SignalHandler handler) : handler_(handler) {
   const std::lock_guard lock(installation.mutex);
-  if (installation.leases++ == 0) install(handler_);
+  install(handler_);
+  ++installation.leases;
 }
 
 HandlerLease::~HandlerLease() {
@@ -81,48 +154,28 @@ HandlerLease::~HandlerLease() {
   if (--installation.leases == 0) restore(handler_);
 }
 
-void passToPreviousHandler(int signal, siginfo_t* info, void* context) {
-  struct sigaction& stored = previousOf(signal);
-  const struct sigaction previous = stored;
-  const bool takesInfo = (previous.sa_flags & SA_SIGINFO) != 0;
-  if (!takesInfo && (previous.sa_handler == SIG_DFL || previous.sa_handler == SIG_IGN)) {
-    takeAgain(signal, *info, previous);
-    return;
-  }
-  if ((previous.sa_flags & static_cast<int>(SA_RESETHAND)) != 0) {
-    stored = {};
-    stored.sa_handler = SIG_DFL;
-  }
-  enterMaskOf(previous, signal, *static_cast<const ucontext_t*>(context));
-  if (takesInfo) {
-    previous.sa_sigaction(signal, info, context);
-  } else {
-    previous.sa_handler(signal);
-  }
+void renewHandlers(SignalHandler handler) {
+  const std::lock_guard lock(installation.mutex);
+  install(handler);
 }
 
-AlternateStack::AlternateStack() {
-  if (::sigaltstack(nullptr, &previous_) != 0 || (previous_.ss_flags & SS_ONSTACK) != 0) return;
-  // What the machine itself needs for a signal frame, and 128 KiB for the filter.
-  size_ = std::size_t{128} * 1024 + static_cast<std::size_t>(std::max(::sysconf(_SC_MINSIGSTKSZ), long{MINSIGSTKSZ}));
-  const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-  size_ = (size_ + page - 1) / page * page;
-  void* const memory = ::mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
-  if (memory == MAP_FAILED) return;
-  stack_t ours{};
-  ours.ss_sp = memory;
-  ours.ss_size = size_;
-  if (::sigaltstack(&ours, nullptr) == 0) {
-    memory_ = memory;
-  } else {
-    ::munmap(memory, size_);
-  }
-}
+// The handler that hands a signal back calls ours from inside our own frame, with the context that it got. One that has
+// left by a jump instead leaves the same record behind, but the next signal's frame is not deeper.
+bool Delivery::isHandedBack() const { return passing.context == context && frame < passing.frame; }
 
-AlternateStack::~AlternateStack() {
-  if (memory_ == nullptr) return;
-  ::sigaltstack(&previous_, nullptr);
-  ::munmap(memory_, size_);
+void passToPreviousHandler(const Delivery& delivery) {
+  static constexpr struct sigaction kSystemsOwn {};
+  const Displaced* const previous = delivery.isHandedBack() ? passing.next : displacedBy(delivery.signal).load();
+  if (previous == nullptr || (isFunction(previous->action) && isUsedUp(*previous))) {
+    takeAgain(delivery.signal, *delivery.info, kSystemsOwn);
+  } else if (!isFunction(previous->action)) {
+    takeAgain(delivery.signal, *delivery.info, previous->action);
+  } else {
+    const Passing before = passing;
+    passing = {delivery.context, delivery.frame, previous->outer};
+    call(previous->action, delivery);
+    passing = before;
+  }
 }
 
 }  // namespace platform::posix

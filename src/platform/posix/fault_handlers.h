@@ -1,8 +1,7 @@
-// The process's handlers for fault signals, and the stack that they run on.
+// The process's handlers for fault signals, and those that they stand before.
 #pragma once
 
 #include <csignal>
-#include <cstddef>
 
 namespace platform::posix {
 
@@ -21,22 +20,23 @@ class HandlerLease {
   SignalHandler handler_;
 };
 
-// From inside the handler: what would have happened without it. Returns where the signal is to be taken again.
-void passToPreviousHandler(int signal, siginfo_t* info, void* context);
+// While a lease lives: takes back the signals that somebody else has taken since. Theirs is then the handler that ours
+// passes to.
+void renewHandlers(SignalHandler handler);
 
-// Gives the calling thread an alternate signal stack of its own, large enough for fault filters. Without memory, or on
-// an alternate stack already, the thread keeps what it has.
-class AlternateStack {
- public:
-  AlternateStack();
-  ~AlternateStack();
-  AlternateStack(const AlternateStack&) = delete;
-  AlternateStack& operator=(const AlternateStack&) = delete;
+// One call of our handler. `frame` is the handler's own frame address: it tells a new signal from the same one that an
+// earlier handler, which regards ours as the one before it, has handed back. Async-signal-safe.
+struct Delivery {
+  int signal;
+  siginfo_t* info;
+  void* context;
+  const void* frame;
 
- private:
-  void* memory_ = nullptr;
-  std::size_t size_ = 0;
-  stack_t previous_{};
+  bool isHandedBack() const;
 };
+
+// What would have happened without our handler; for a signal handed back, without the handlers that have had it
+// already. Returns where the signal is to be taken again. Async-signal-safe.
+void passToPreviousHandler(const Delivery& delivery);
 
 }  // namespace platform::posix

@@ -7,19 +7,18 @@
 
 #include <array>
 #include <climits>
-#include <ctime>
 #include <string_view>
 
 #include "platform/posix/code_page.h"
+#include "platform/posix/local_date.h"
 
 namespace platform {
 namespace {
 
 bool dateOf(const char* native, FileDate& date) {
   struct stat status {};
-  std::tm local{};
-  if (::stat(native, &status) != 0 || ::localtime_r(&status.st_mtim.tv_sec, &local) == nullptr) return false;
-  date = {local.tm_mon + 1, local.tm_mday, local.tm_year + 1900};
+  if (::stat(native, &status) != 0) return false;
+  date = posix::localDate(status.st_mtim.tv_sec);
   return true;
 }
 

@@ -128,6 +128,92 @@ TEST(PosixFaultGuard, HandlerInstalledInsideTheGuardIsLeftAlone) {
   EXPECT_EQ(action.sa_handler, &plainHandler);
 }
 
+// A library that takes the fault signal in the middle of guarded work and hands on what it does not want.
+struct sigaction handedTo;
+volatile std::sig_atomic_t librarysCalls = 0;
+
+void chainingHandler(int signal, siginfo_t* info, void* context) {
+  librarysCalls = librarysCalls + 1;
+  if ((handedTo.sa_flags & SA_SIGINFO) != 0)
+    handedTo.sa_sigaction(signal, info, context);
+  else
+    handedTo.sa_handler(signal);
+}
+
+void takeSignal(int signal) {
+  struct sigaction library {};
+  library.sa_sigaction = chainingHandler;
+  library.sa_flags = SA_SIGINFO;
+  librarysCalls = 0;
+  ::sigaction(signal, &library, &handedTo);
+}
+
+TEST(PosixFaultGuard, TakesSignalsBackFromALibraryAndHandsEachOnOnlyOnce) {
+  for (int round = 0; round < 3; ++round) {  // the library's handler stays in place from round to round, as ours does
+    const EarlierHandler earlier(SIGFPE, false);
+    bool ended = false;
+    guarded(
+        [](void* reached) {
+          takeSignal(SIGFPE);
+          EXPECT_EQ(guarded([](void*) { support::divideIntegerByZero(); }), fault::kIntegerDivideByZero);
+          EXPECT_EQ(librarysCalls, 0);
+          if (sigsetjmp(escape, 1) == 0) guarded([](void*) { support::divideIntegerByZero(); }, decline);
+          EXPECT_EQ(librarysCalls, 1);
+          EXPECT_EQ(calls, 1);
+          *static_cast<bool*>(reached) = true;
+        },
+        decline, &ended);
+    EXPECT_TRUE(ended);
+    struct sigaction action {};
+    ::sigaction(SIGFPE, nullptr, &action);
+    EXPECT_EQ(action.sa_sigaction, &chainingHandler);  // as if no guard had been
+  }
+}
+
+// A witness's place to write to: it may not allocate.
+struct {
+  int told = 0;
+  platform::FaultContext last;
+} unguarded;
+
+TEST(PosixFaultGuard, TellsItsWitnessOfFaultsOnThreadsWithoutAGuardBeforeTheyGoOn) {
+  const EarlierHandler earlier(SIGSEGV, true);
+  unguarded = {};
+  platform::tellUnguardedFaults([](const platform::FaultContext& context) {
+    unguarded = {unguarded.told + 1, context};
+    EXPECT_EQ(calls, 0);
+  });
+  guarded(
+      [](void*) {
+        EXPECT_EQ(guarded([](void*) { support::writeToNull(); }), fault::kAccessViolation);
+        if (sigsetjmp(escape, 1) == 0) guarded([](void*) { support::readFromNull(); }, decline);
+        EXPECT_EQ(unguarded.told, 0);
+        calls = 0;
+        std::thread([] {
+          if (sigsetjmp(escape, 1) == 0) support::writeToNull();
+        }).join();
+      },
+      decline);
+  platform::tellUnguardedFaults(nullptr);
+  EXPECT_EQ(unguarded.told, 1);
+  EXPECT_EQ(unguarded.last.code, fault::kAccessViolation);
+  EXPECT_EQ(unguarded.last.info, (std::array<std::uintptr_t, 2>{1, 0}));
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(PosixFaultGuard, NothingCanLieBelowTheStackOfTheFilter) {
+  guarded([](void*) {
+    stack_t stack{};
+    ::sigaltstack(nullptr, &stack);
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    char* const below = static_cast<char*>(stack.ss_sp) - page;
+    void* const neighbour = ::mmap(below, page, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
+    EXPECT_EQ(neighbour, MAP_FAILED);
+    char byte = 0;
+    EXPECT_EQ(platform::readMemory(reinterpret_cast<std::uintptr_t>(stack.ss_sp) - 1, &byte, 1), 0U);
+  });
+}
+
 TEST(PosixFaultGuardDeathTest, WhatNoFilterTakesEndsTheProcessByItsSignal) {
   const struct {
     const char* name;

@@ -1,13 +1,16 @@
 // Surroundings as this system describes them.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 
 #include "platform/environment.h"
+#include "platform/fault_guard.h"
 #include "platform/files.h"
 #include "platform/modules.h"
 #include "support/environment.h"
+#include "support/faults.h"
 #include "support/temporary_folder.h"
 
 namespace platform {
@@ -22,6 +25,29 @@ TEST(NativeEnvironment, CommonDataFolderThatCannotBeIsNone) {
   const support::TemporaryFolder folder;
   const support::Environment chosen("CORVANTIS_COMMON_APPDATA", folder.write("file", "") + "/below");
   EXPECT_EQ(commonApplicationDataFolder(), u"");
+}
+
+// The two zones are 26 hours apart: no file has the same date in both.
+TEST(NativeModules, DatesAreLocalWhereverTheGuardBegan) {
+  const auto written = std::chrono::file_clock::to_sys(std::filesystem::last_write_time("/proc/self/exe"));
+  const struct {
+    const char* zone;
+    std::chrono::hours fromUtc;
+  } rows[] = {{"<+14>-14", std::chrono::hours(14)}, {"<-12>12", std::chrono::hours(-12)}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.zone);
+    const support::Environment zone("TZ", row.zone);
+    FileDate date;
+    const auto filter = [](void* found, const FaultContext& fault) {
+      return lastWriteDate(fault.address, *static_cast<FileDate*>(found));
+    };
+    ASSERT_NE(runGuarded([](void*) { support::divideIntegerByZero(); }, nullptr, filter, &date), 0U);
+    const std::chrono::year_month_day expected{std::chrono::floor<std::chrono::days>(written + row.fromUtc)};
+    EXPECT_EQ((std::chrono::year_month_day{std::chrono::year(date.year),
+                                           std::chrono::month(static_cast<unsigned>(date.month)),
+                                           std::chrono::day(static_cast<unsigned>(date.day))}),
+              expected);
+  }
 }
 
 TEST(NativeModules, ProgramsAndLibrariesHaveThePathsThatTheSystemNames) {
