@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "support/faults.h"
+#include "support/half_readable.h"
 #include "support/platform_kind.h"
 
 namespace {
@@ -185,6 +186,9 @@ TEST(ReadMemory, CopiesOnlyWhatIsThere) {
   EXPECT_EQ(std::string(copy.data(), copy.size()), text);
   EXPECT_EQ(platform::readMemory(support::kUnmappedAddress, copy.data(), copy.size()), 0U);
   EXPECT_EQ(platform::readMemory(~std::uintptr_t{0} - 7, copy.data(), copy.size()), 0U);
+  const support::HalfReadable memory;
+  EXPECT_EQ(platform::readMemory(memory.end() - 5, copy.data(), copy.size()), 5U);
+  EXPECT_EQ(platform::readMemory(memory.end(), copy.data(), copy.size()), 0U);
 }
 
 TEST(IsCodeAddress, TellsCodeFromDataAndNothing) {

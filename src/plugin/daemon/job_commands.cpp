@@ -1,5 +1,6 @@
 // The commands that control a job.
 #include <exception>
+#include <utility>
 
 #include "platform/clock.h"
 #include "plugin/daemon/commands.h"
@@ -43,8 +44,9 @@ bool runReported(const CommandCall& call, void (*report)(const CommandCall& call
     report(call, error.what());
     return false;
   }
-  if (outcome.faulted()) report(call, faultText(call.job, outcome));
-  return !outcome.faulted();
+  const bool faulted = outcome.faulted();
+  if (faulted) report(call, faultText(call.job, std::move(outcome)));
+  return !faulted;
 }
 
 void noteScenePath(JobState& job, const std::u16string& scene) {

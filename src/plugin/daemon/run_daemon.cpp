@@ -3,6 +3,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "hostsdk/exceptions.h"
 #include "hostsdk/script_value.h"
@@ -130,7 +131,8 @@ bool RunCorvantisDaemon(JobState& job, win32::simple_socket& connection, bool& d
   } catch (...) {
     reportException(connection);
   }
-  if (outcome.faulted()) report(connection, "SEH exception caught", "SEH exception: " + faultText(job, outcome));
+  if (outcome.faulted())
+    report(connection, "SEH exception caught", "SEH exception: " + faultText(job, std::move(outcome)));
   return outcome.value;
 }
 

@@ -1,8 +1,7 @@
 #include "plugin/job/crash_description.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
+#include <charconv>
 
 namespace corvantis {
 namespace {
@@ -51,11 +50,13 @@ struct FrameRecord {
 
 using CallerWords = std::array<std::uint32_t, 5>;
 
-std::size_t appendCallerWords(std::uintptr_t record, CrashText& out) {
+void appendCallerWords(std::uintptr_t record, CrashText& out) {
   CallerWords words{};
   const std::size_t count = platform::readMemory(record + sizeof(FrameRecord), words.data(), sizeof words);
-  if (count != sizeof words) return 0;
-  return out.append("  (%X, %X, %X, %X, %X)", words[0], words[1], words[2], words[3], words[4]);
+  if (count != sizeof words) return;
+  out.text("  (").hexadecimal(words[0]);
+  for (std::size_t i = 1; i < words.size(); ++i) out.text(", ").hexadecimal(words[i]);
+  out.text(")");
 }
 
 // The faulting instruction itself is told even when the fault is that no code lies there.
@@ -67,42 +68,52 @@ bool isTellable(std::uintptr_t address, int frame) {
 void appendModule(const platform::FaultContext& context, CrashText& out) {
   platform::ModuleAt module;
   if (!findModuleForAddress(context.address, module)) {
-    out.append("\nException Addr:  %08X", low32(context.address));
+    out.text("\nException Addr:  ").hexadecimal(low32(context.address), 8);
     return;
   }
-  out.append("\nModule:  %s", module.path.data());
+  out.text("\nModule:  ").text(module.path.data());
   platform::FileDate date;
-  if (platform::lastWriteDate(context.address, date)) {
-    out.append("\nDate Modified:  %02d/%02d/%d", date.month, date.day, date.year);
-  }
+  if (!platform::lastWriteDate(context.address, date)) return;
+  out.text("\nDate Modified:  ").decimal(date.month, 2).text("/").decimal(date.day, 2).text("/").decimal(date.year);
 }
 
 void appendFault(const platform::FaultContext& context, CrashText& out) {
-  out.append("\nException Code:  %08X", context.code);
+  out.text("\nException Code:  ").hexadecimal(context.code, 8);
   if (context.code == fault::kAccessViolation) {
-    out.append("\n%s Address:  %08X", context.info[0] != 0 ? "Write" : "Read", low32(context.info[1]));
+    out.text(context.info[0] != 0 ? "\nWrite" : "\nRead").text(" Address:  ").hexadecimal(low32(context.info[1]), 8);
   }
 }
 
 void appendInstruction(std::uintptr_t address, CrashText& out) {
-  out.append("\nInstruction: ");
+  out.text("\nInstruction: ");
   std::array<unsigned char, kInstructionBytes> bytes{};
   const std::size_t count = platform::readMemory(address, bytes.data(), bytes.size());
-  for (std::size_t i = 0; i < count; ++i) out.append(" %02X", bytes[i]);
+  for (std::size_t i = 0; i < count; ++i) out.text(" ").hexadecimal(bytes[i], 2);
 }
 
 }  // namespace
 
-std::size_t CrashText::append(const char* format, ...) {
-  const std::size_t room = kSize - length_;
-  std::va_list arguments;
-  va_start(arguments, format);
-  const int wanted = std::vsnprintf(buffer_.data() + length_, room, format, arguments);
-  va_end(arguments);
-  if (wanted < 0) return 0;
-  const std::size_t added = std::min(static_cast<std::size_t>(wanted), room - 1);
-  length_ += added;
-  return added;
+CrashText& CrashText::text(std::string_view text) {
+  length_ += text.copy(buffer_.data() + length_, kSize - 1 - length_);
+  return *this;
+}
+
+CrashText& CrashText::hexadecimal(std::uint32_t value, std::size_t digits) { return number(value, 16, digits); }
+
+CrashText& CrashText::decimal(int value, std::size_t digits) {
+  return number(static_cast<std::uint32_t>(value), 10, digits);
+}
+
+CrashText& CrashText::number(std::uint32_t value, int base, std::size_t digits) {
+  std::array<char, 10> figures{};
+  const char* const end = std::to_chars(figures.data(), figures.data() + figures.size(), value, base).ptr;
+  const std::string_view shown(figures.data(), static_cast<std::size_t>(end - figures.data()));
+  for (std::size_t count = shown.size(); count < digits; ++count) text("0");
+  for (const char figure : shown) {
+    const char upper = figure >= 'a' ? static_cast<char>(figure - 'a' + 'A') : figure;
+    text({&upper, 1});
+  }
+  return *this;
 }
 
 const char* sehExceptionName(std::uint32_t code) {
@@ -118,36 +129,36 @@ bool findModuleForAddress(std::uintptr_t address, platform::ModuleAt& module) {
 }
 
 std::size_t describeCallStack(const platform::FaultContext& context, CrashText& out) {
-  std::size_t appended = 0;
+  const std::size_t before = out.view().size();
   FrameRecord record{context.framePointer, context.address};
   std::uintptr_t place = 0;  // of `record`; the first one is nowhere
   for (int frame = 0; frame < kMaximumFrames; ++frame) {
     if (!isTellable(record.returnAddress, frame)) break;
     platform::ModuleAt module;
     if (findModuleForAddress(record.returnAddress, module)) {
-      appended += out.append("\n%08X  %s", low32(module.base), module.path.data());
-      appended += out.append("\n  +%08X", low32(record.returnAddress - module.base));
-      appended += frame == 0 ? out.append("  Exception Offset") : appendCallerWords(place, out);
+      out.text("\n").hexadecimal(low32(module.base), 8).text("  ").text(module.path.data());
+      out.text("\n  +").hexadecimal(low32(record.returnAddress - module.base), 8);
+      frame == 0 ? (void)out.text("  Exception Offset") : appendCallerWords(place, out);
     } else {
-      appended += out.append("\n%08X", low32(record.returnAddress));
+      out.text("\n").hexadecimal(low32(record.returnAddress), 8);
     }
     place = record.link;
     if (platform::readMemory(place, &record, sizeof record) != sizeof record) break;
   }
-  return appended;
+  return out.view().size() - before;
 }
 
 CrashText describeCrash(const platform::FaultContext* context) {
   CrashText text;
   platform::ModuleAt program;
   platform::findProgram(program);
-  text.append("Process:  %s", program.path.data());
+  text.text("Process:  ").text(program.path.data());
   if (context != nullptr) {
     appendModule(*context, text);
     appendFault(*context, text);
     appendInstruction(context->address, text);
   }
-  text.append("\nCall Stack:");
+  text.text("\nCall Stack:");
   if (context != nullptr) describeCallStack(*context, text);
   return text;
 }

@@ -2,7 +2,7 @@
 // into the worker's error reply.
 //
 // All of this runs inside a fault filter, perhaps with the heap broken and little stack left: nothing here allocates,
-// takes a lock or throws. Numbers are hexadecimal; addresses show their low 32 bits.
+// takes a lock, looks at a locale or throws. Numbers are hexadecimal; addresses show their low 32 bits.
 #pragma once
 
 #include <array>
@@ -21,12 +21,17 @@ class CrashText {
   // With the terminating zero.
   static constexpr std::size_t kSize = 8000;
 
-  // As printf; returns how many characters were added.
-  [[gnu::format(printf, 2, 3)]] std::size_t append(const char* format, ...);
+  CrashText& text(std::string_view text);
+  // Upper-case, with zeros in front up to `digits`.
+  CrashText& hexadecimal(std::uint32_t value, std::size_t digits = 1);
+  // Of a number that is not negative, in the same way.
+  CrashText& decimal(int value, std::size_t digits = 1);
 
   std::string_view view() const { return {buffer_.data(), length_}; }
 
  private:
+  CrashText& number(std::uint32_t value, int base, std::size_t digits);
+
   std::array<char, kSize> buffer_{};
   std::size_t length_ = 0;
 };

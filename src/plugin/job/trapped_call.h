@@ -6,6 +6,7 @@
 
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "platform/fault_guard.h"
 #include "plugin/job/job_state.h"
@@ -14,6 +15,9 @@ namespace corvantis {
 
 // How a trapped call ended. After a handled fault `sehText` is the call's prefix followed by the fault's name, the
 // job's crashDescription tells the rest, and the work is abandoned where it stood; otherwise `sehText` is empty.
+//
+// The heap may be what the fault has broken: the memory of both texts, and of the two together, is taken before the
+// work begins.
 struct TrapOutcome {
   std::string sehText;
 
@@ -28,8 +32,8 @@ struct Trapped : TrapOutcome {
 template <>
 struct Trapped<void> : TrapOutcome {};
 
-// The fault and its crash description, as the worker is told of it.
-std::string faultText(const JobState& job, const TrapOutcome& outcome);
+// The fault and its crash description, as the worker is told of it; in the memory that the outcome has kept for it.
+std::string faultText(const JobState& job, TrapOutcome&& outcome);
 // Throws std::runtime_error with that text if there was a fault.
 void throwIfFaulted(const JobState& job, const TrapOutcome& outcome);
 
@@ -37,7 +41,8 @@ void throwIfFaulted(const JobState& job, const TrapOutcome& outcome);
 // description is cut to the capacity that the job's crashDescription has at that moment: a filter must not allocate.
 bool trapFilter(void* job, const platform::FaultContext& context);
 
-// The part of a trapped call that does not depend on the work's type; gives sehText.
+// The part of a trapped call that does not depend on the work's type; gives sehText. While it lasts, a fault on a
+// thread that has no guard is described in the log before the system or the host deals with it (on POSIX).
 std::string runTrapped(JobState& job, const char* prefix, void (*work)(void* argument), void* argument);
 
 template <class Work>
@@ -52,8 +57,9 @@ template <class Work, class Result>
 Trapped<Result> trappedCall(JobState& job, const char* prefix, Result whenFaulted, Work&& work) {
   static_assert(std::is_trivially_copyable_v<Result>, "a fault may leave it half written");
   Result result = whenFaulted;
-  const Trapped<void> outcome = trappedCall(job, prefix, [&] { result = static_cast<Result>(work()); });
-  return {{outcome}, outcome.faulted() ? whenFaulted : result};
+  Trapped<void> outcome = trappedCall(job, prefix, [&] { result = static_cast<Result>(work()); });
+  if (outcome.faulted()) result = whenFaulted;
+  return {{std::move(outcome)}, result};
 }
 
 }  // namespace corvantis

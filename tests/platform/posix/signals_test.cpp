@@ -242,31 +242,6 @@ TEST(PosixFaultGuardDeathTest, WhatNoFilterTakesEndsTheProcessByItsSignal) {
   }
 }
 
-// Two pages of which only the first may be touched.
-class HalfReadable {
- public:
-  HalfReadable() : page_(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))) {
-    start_ = static_cast<char*>(::mmap(nullptr, 2 * page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    ::mprotect(start_ + page_, page_, PROT_NONE);
-  }
-  ~HalfReadable() { ::munmap(start_, 2 * page_); }
-  HalfReadable(const HalfReadable&) = delete;
-  HalfReadable& operator=(const HalfReadable&) = delete;
-  char* boundary() const { return start_ + page_; }
-
- private:
-  std::size_t page_;
-  char* start_;
-};
-
-TEST(PosixReadMemory, StopsWhereMemoryEnds) {
-  const HalfReadable memory;
-  std::array<char, 16> copy{};
-  const auto boundary = reinterpret_cast<std::uintptr_t>(memory.boundary());
-  EXPECT_EQ(platform::readMemory(boundary - 5, copy.data(), copy.size()), 5U);
-  EXPECT_EQ(platform::readMemory(boundary, copy.data(), copy.size()), 0U);
-}
-
 TEST(PosixFaultGuard, FileThatShrankUnderItsMappingIsAnInPageError) {
   const support::TemporaryFolder folder;
   const std::string name = folder.write("texture.bin", "x");

@@ -5,12 +5,14 @@
 
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/faults.h"
+#include "support/half_readable.h"
 #include "support/platform_kind.h"
 
 namespace corvantis {
@@ -163,13 +165,28 @@ TEST(DescribeCallStack, EndsAfterTwentyFramesOrAtAReturnAddressThatIsNoCode) {
   }
 }
 
+// The caller's words are shown all five or not at all; the frame itself is told as long as it can be read.
+TEST(DescribeCallStack, LeavesOutCallersWordsThatCannotBeRead) {
+  const support::HalfReadable memory;
+  for (const std::size_t words : {0U, 4U, 5U}) {
+    const std::uintptr_t place = memory.end() - 2 * sizeof(std::uintptr_t) - words * sizeof(std::uint32_t);
+    const std::uintptr_t record[] = {support::kUnmappedAddress, knownCode()};
+    std::memset(reinterpret_cast<void*>(place), 0x11, memory.end() - place);
+    std::memcpy(reinterpret_cast<void*>(place), record, sizeof record);
+    CrashText text;
+    describeCallStack(contextAt(knownCode(), place), text);
+    const std::vector<std::string> lines = linesOf(text.view());
+    ASSERT_EQ(lines.size(), 5U);
+    EXPECT_EQ(lines[4].substr(std::string("  +00000000").size()),
+              words == 5 ? "  (11111111, 11111111, 11111111, 11111111, 11111111)" : "");
+  }
+}
+
 TEST(CrashText, CutsWhatDoesNotFit) {
   CrashText text;
   const std::string half(5000, 'x');
-  EXPECT_EQ(text.append("%s", half.c_str()), 5000U);
-  EXPECT_EQ(text.append("%s", half.c_str()), 2999U);
-  EXPECT_EQ(text.append("%s", half.c_str()), 0U);
-  EXPECT_EQ(text.view(), std::string(7999, 'x'));
+  for (int part = 0; part < 3; ++part) text.text(half);
+  EXPECT_EQ(text.hexadecimal(1).view(), std::string(7999, 'x'));
 }
 
 }  // namespace
