@@ -2,13 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 #include "platform/environment.h"
 #include "platform/fault_guard.h"
 #include "platform/files.h"
 #include "platform/modules.h"
+#include "platform/socket.h"
 #include "support/environment.h"
 #include "support/faults.h"
 #include "support/temporary_folder.h"
@@ -19,6 +22,26 @@ namespace {
 TEST(NativeEnvironment, BytesThatAreNoTextAreReplaced) {
   const support::Environment odd("CORVANTIS_TEST_ODD", "/tmp/\xC3\xA4\xFF");
   EXPECT_EQ(environmentVariable(u"CORVANTIS_TEST_ODD"), u"/tmp/\u00E4\uFFFD");
+}
+
+// How many descriptors a program finds open that is started now, as a script may start one.
+int descriptorsOfAChild() {
+  std::FILE* const child = ::popen("ls /proc/self/fd | wc -l", "r");
+  int count = 0;
+  EXPECT_EQ(std::fscanf(child, "%d", &count), 1);
+  EXPECT_EQ(::pclose(child), 0);
+  return count;
+}
+
+TEST(NativeEnvironment, ProgramsStartedMeanwhileInheritNeitherConnectionNorLog) {
+  const support::TemporaryFolder folder;
+  const int before = descriptorsOfAChild();
+  const SocketHandle stream = openSocket(SocketType::stream), datagram = openSocket(SocketType::datagram);
+  const std::unique_ptr<TextFile> log = openTextFile(folder.wide("log"));
+  ASSERT_TRUE(stream != kInvalidSocket && datagram != kInvalidSocket && log);
+  EXPECT_EQ(descriptorsOfAChild(), before);
+  closeSocket(stream);
+  closeSocket(datagram);
 }
 
 TEST(NativeEnvironment, CommonDataFolderThatCannotBeIsNone) {
