@@ -2,12 +2,15 @@
 
 #include <stdexcept>
 
+#include "plugin/job/frame_hold.h"
+
 namespace corvantis {
 
 void EndJob(JobState& job) {
   if (!job.jobRunning) {
     throw std::runtime_error("EndJob called when consistency check flag jobRunning was not set");
   }
+  clearAbandonedFrame(job);
   closeRenderer(job);
   job.hostCore.v8->ResetScene(1);
   job.multipassEffect = nullptr;

@@ -6,8 +6,9 @@
 
 namespace corvantis {
 
-// Closes the renderer if it is open, empties the host's scene, and clears multipassEffect and jobRunning. Throws
-// std::runtime_error without an open job, and what closeRenderer throws; the job then stays open.
+// Gives back what a frame abandoned by a fault still holds, closes the renderer if it is open, empties the host's
+// scene, and clears multipassEffect and jobRunning. Throws std::runtime_error without an open job, and what
+// closeRenderer throws; the job then stays open.
 void EndJob(JobState& job);
 
 // The same with machine faults trapped.

@@ -23,6 +23,12 @@ inline HostCore fetchHostCore() {
   return {hostsdk::GetCOREInterface8(), hostsdk::GetCOREInterface11(), hostsdk::GetCOREInterface14()};
 }
 
+// A render element that a frame has given a name and a bitmap of its own.
+struct FrameElement {
+  hostsdk::ElementOutput* output;
+  std::u16string sceneName;  // what to set back
+};
+
 class JobState {
  public:
   // Gives every field its value at load and opens the log file.
@@ -65,6 +71,11 @@ class JobState {
   std::vector<hostsdk::ElementOutput*> elementOutputs;
   std::vector<hostsdk::Bitmap*> elementAccumulators;
   std::int32_t renderElementCount = 0;
+
+  // What the frame under way holds (job/frame_hold.h); between frames only what a fault abandoned.
+  std::vector<hostsdk::Bitmap*> frameBitmaps;
+  std::vector<FrameElement> frameElements;
+  bool frameAbandoned = false;
 
   // Description of the last exception that a trapped call saw.
   std::string crashDescription = "No message";

@@ -7,6 +7,7 @@
 #include "hostsdk/services.h"
 #include "plugin/job/default_actions.h"
 #include "plugin/job/end_job.h"
+#include "plugin/job/frame_hold.h"
 #include "plugin/util/log_file.h"
 #include "plugin/util/text.h"
 
@@ -163,7 +164,9 @@ void StartJob(JobState& job, const std::u16string& fileName, const std::u16strin
 
   applySceneSettings(job, "");
   usePathConfiguration(job.settings);
-  closeRenderer(job);  // a frame rendered outside any job may have left it open for the scene that goes now
+  // What a frame rendered outside any job may have left of the scene that goes now.
+  clearAbandonedFrame(job);
+  closeRenderer(job);
   loadScene(job, fileName);
   applySceneSettings(job, " again, just to ensure they're set");
   chooseRenderView(job, cameraName);

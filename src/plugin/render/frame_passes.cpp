@@ -6,8 +6,8 @@
 #include <string>
 
 #include "plugin/daemon/requests/requests.h"
+#include "plugin/job/frame_hold.h"
 #include "plugin/job/trapped_call.h"
-#include "plugin/render/output_image.h"
 #include "plugin/render/region_output.h"
 #include "plugin/render/render_callback.h"
 #include "plugin/render/render_elements.h"
@@ -85,7 +85,7 @@ void accumulatePass(JobState& job, std::int32_t pass, hostsdk::TimeValue passTim
 
 void renderMultipass(JobState& job, hostsdk::TimeValue time, hostsdk::Bitmap& image, win32::simple_socket& connection) {
   sendStdoutLine(connection, u"Rendering multipass effect:");
-  OwnedBitmap passImage = createBitmap(job.outputInfo);
+  OwnedBitmap passImage = createBitmap(job, job.outputInfo);
   for (std::int32_t pass = 0; pass < job.passCount; ++pass) {
     const hostsdk::TimeValue passTime = renderPass(job, pass, time, passImage, connection);
     accumulatePass(job, pass, passTime, image, *passImage, connection);

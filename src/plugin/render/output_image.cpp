@@ -46,12 +46,4 @@ std::u16string temporaryOutputName() {
          u"Halvquin\\tessaryn\\temp\\temp_filename" + to_wstring(std::rand()) + u".bmp";
 }
 
-OwnedBitmap createBitmap(const hostsdk::BitmapInfo& info, const char* what) {
-  OwnedBitmap bitmap(hostsdk::TheManager()->Create(info));
-  if (!bitmap) {
-    throw std::runtime_error(std::string("Failed to allocate ") + what + ": TheManager->Create() return NULL");
-  }
-  return bitmap;
-}
-
 }  // namespace corvantis

@@ -1,8 +1,7 @@
-// What the images of a frame are like: pixel type and size, file names, bitmaps.
+// What the images of a frame are like: pixel type, size, file names.
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "hostsdk/bitmap.h"
@@ -24,15 +23,5 @@ std::u16string frameOutputName(const JobSettings& settings, const std::u16string
 
 // A base name for a scene that does not save its output: a random one in the common application-data folder.
 std::u16string temporaryOutputName();
-
-// A bitmap of the host with one owner.
-struct BitmapRelease {
-  void operator()(hostsdk::Bitmap* bitmap) const { bitmap->DeleteThis(); }
-};
-using OwnedBitmap = std::unique_ptr<hostsdk::Bitmap, BitmapRelease>;
-
-// A new bitmap of the host's manager. Throws std::runtime_error "Failed to allocate " + what +
-// ": TheManager->Create() return NULL" when there is none to be had.
-OwnedBitmap createBitmap(const hostsdk::BitmapInfo& info, const char* what = "Bitmap");
 
 }  // namespace corvantis

@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "hostsdk/render.h"
+#include "plugin/job/frame_hold.h"
 #include "plugin/render/output_files.h"
-#include "plugin/render/output_image.h"
 
 namespace corvantis {
 namespace {
@@ -66,7 +66,7 @@ void writeRegionOutput(JobState& job, hostsdk::Bitmap& bitmap, const hostsdk::Bi
   }
 
   setCutSize(job.settings, width, height, regionInfo);
-  const OwnedBitmap region = createBitmap(regionInfo, "region Bitmap");
+  const OwnedBitmap region = createBitmap(job, regionInfo, "region Bitmap");
   setPlacement(job.settings, width, height, regionInfo);
   region->PrepareGChannels(regionInfo);
   if (hostsdk::BitmapStorage* storage = region->Storage()) {

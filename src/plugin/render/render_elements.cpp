@@ -35,20 +35,11 @@ bool isIgnored(const JobState& job, std::size_t index) {
   return std::find(ignored.begin(), ignored.end(), job.renderElements[index]->ElementName()) != ignored.end();
 }
 
-void release(hostsdk::Bitmap*& bitmap) {
-  if (hostsdk::Bitmap* released = std::exchange(bitmap, nullptr)) released->DeleteThis();
-}
-
-void releaseAccumulators(JobState& job) {
-  for (hostsdk::Bitmap*& accumulator : job.elementAccumulators) release(accumulator);
-  job.elementAccumulators.clear();
-}
-
 // Borrowed; null when the element has no image.
 hostsdk::Bitmap* imageToSave(JobState& job, std::size_t index) {
   hostsdk::Bitmap*& rendered = job.elementOutputs[index]->bitmap;
   if (!job.multipassEnabled || !rendered) return rendered;
-  release(rendered);
+  std::exchange(rendered, nullptr)->DeleteThis();
   return job.elementAccumulators[index];
 }
 
@@ -74,7 +65,6 @@ void saveElement(JobState& job, std::size_t index, win32::simple_socket& connect
 void enumerateRenderElements(JobState& job) {
   job.renderElements.clear();
   job.elementOutputs.clear();
-  releaseAccumulators(job);
   job.renderElementCount = 0;
 
   hostsdk::IRenderElementMgr* manager = job.hostCore.v8->RenderElementManager();
@@ -85,11 +75,11 @@ void enumerateRenderElements(JobState& job) {
   }
 }
 
-void nameRenderElements(JobState& job, std::int32_t frame, std::vector<ElementSceneName>& sceneNames) {
+void nameRenderElements(JobState& job, std::int32_t frame) {
   for (std::size_t i = 0; i < job.elementOutputs.size(); ++i) {
     hostsdk::ElementOutput& output = *job.elementOutputs[i];
     const std::u16string base = baseNameOf(job, i);
-    sceneNames.push_back({&output, output.info.Name()});
+    job.frameElements.push_back({&output, output.info.Name()});
     output.info.SetName(base.empty() ? base : frameOutputName(job.settings, base, frame));
     output.bitmap = hostsdk::TheManager()->Create(output.info);
     log_file << "Element Bitmap " << static_cast<const void*>(output.bitmap) << LogFile::endl;
@@ -97,7 +87,6 @@ void nameRenderElements(JobState& job, std::int32_t frame, std::vector<ElementSc
 }
 
 void createElementAccumulators(JobState& job) {
-  releaseAccumulators(job);
   for (const hostsdk::ElementOutput* output : job.elementOutputs) {
     job.elementAccumulators.push_back(hostsdk::TheManager()->Create(output->info));
   }
@@ -124,15 +113,6 @@ void saveRenderElements(JobState& job, win32::simple_socket& connection) {
   for (std::size_t i = 0; i < job.elementOutputs.size(); ++i) {
     if (!isIgnored(job, i)) saveElement(job, i, connection);
   }
-}
-
-void releaseElementRenderBitmaps(JobState& job) {
-  for (hostsdk::ElementOutput* output : job.elementOutputs) release(output->bitmap);
-}
-
-void releaseElementBitmaps(JobState& job) {
-  releaseElementRenderBitmaps(job);
-  releaseAccumulators(job);
 }
 
 }  // namespace corvantis

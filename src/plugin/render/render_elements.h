@@ -13,22 +13,16 @@
 namespace corvantis {
 
 // Fills the element lists anew with the scene's enabled elements, in the manager's order. An enabled element without an
-// output record is left out, and not counted. Releases the accumulators that an abandoned frame left.
+// output record is left out, and not counted.
 void enumerateRenderElements(JobState& job);
-
-// The file name that the scene gives an element.
-struct ElementSceneName {
-  hostsdk::ElementOutput* output;
-  std::u16string name;
-};
 
 // Gives each element its file name for the frame and a bitmap; one that the host cannot create is left out silently.
 // The name is made from the entry of renderElementFilenames at the element's position with useRenderElementFilenames,
-// else, and where that list is too short, from the scene's name; an empty name stays empty. `sceneNames` receives what
-// to set back, also for the elements named before a failure. Throws as frameOutputName does.
-void nameRenderElements(JobState& job, std::int32_t frame, std::vector<ElementSceneName>& sceneNames);
+// else, and where that list is too short, from the scene's name; an empty name stays empty. frameElements
+// receives what to set back, also for the elements named before a failure. Throws as frameOutputName does.
+void nameRenderElements(JobState& job, std::int32_t frame);
 
-// One bitmap an element to collect the passes of a multipass frame; releases any that an abandoned frame left.
+// One bitmap an element to collect the passes of a multipass frame.
 void createElementAccumulators(JobState& job);
 
 // Adds pass `pass` (from 0) to the accumulators. An element or accumulator without a bitmap is passed over, though the
@@ -42,10 +36,5 @@ void createElementOutputPaths(const JobState& job, win32::simple_socket& connect
 // name; in multipass their accumulators. One that has no bitmap is passed over silently, one without a file name with a
 // warning. Throws what checkBlackFrame, writeOutput and writeRegionOutput throw.
 void saveRenderElements(JobState& job, win32::simple_socket& connection);
-
-// Releases what is left of the bitmaps that the elements were rendered into.
-void releaseElementRenderBitmaps(JobState& job);
-// The same, and the accumulators.
-void releaseElementBitmaps(JobState& job);
 
 }  // namespace corvantis

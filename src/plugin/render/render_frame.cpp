@@ -1,11 +1,11 @@
 #include "plugin/render/render_frame.h"
 
 #include <stdexcept>
-#include <vector>
 
 #include "plugin/daemon/requests/requests.h"
 #include "plugin/job/default_actions.h"
 #include "plugin/job/end_job.h"
+#include "plugin/job/frame_hold.h"
 #include "plugin/render/black_frame.h"
 #include "plugin/render/frame_passes.h"
 #include "plugin/render/output_files.h"
@@ -20,32 +20,22 @@
 namespace corvantis {
 namespace {
 
-// What every frame puts back in order, however it ends. Owns the frame's main bitmap and, through the job state, the
-// elements' bitmaps and the names that the frame changes. Both steps may be done early; the destructor does what is
-// left. Without a main bitmap there are none of the elements.
+// What every frame puts back in order, however it ends short of a fault: may be done early, the destructor does what is
+// left.
 class FrameCleanup {
  public:
   explicit FrameCleanup(JobState& job) : job_(job) {}
-  ~FrameCleanup() {
-    releaseBitmaps();
-    restoreNames();
-  }
+  ~FrameCleanup() { run(); }
   FrameCleanup(const FrameCleanup&) = delete;
   FrameCleanup& operator=(const FrameCleanup&) = delete;
 
-  void releaseBitmaps() {
-    if (!mainBitmap) return;
+  void run() {
     mainBitmap.reset();
     releaseElementBitmaps(job_);
-  }
-  void restoreNames() {
-    job_.outputInfo.SetName(job_.outputBaseName);
-    for (const ElementSceneName& element : elementNames) element.output->info.SetName(element.name);
-    elementNames.clear();
+    restoreOutputNames(job_);
   }
 
   OwnedBitmap mainBitmap;
-  std::vector<ElementSceneName> elementNames;
 
  private:
   JobState& job_;
@@ -91,8 +81,8 @@ bool skipsExisting(const JobState& job, win32::simple_socket& connection) {
   return true;
 }
 
-OwnedBitmap createMainBitmap(const JobState& job) {
-  OwnedBitmap bitmap = createBitmap(job.outputInfo);
+OwnedBitmap createMainBitmap(JobState& job) {
+  OwnedBitmap bitmap = createBitmap(job, job.outputInfo);
   bitmap->PrepareGChannels(job.outputInfo);
   log_file << "Bitmap " << static_cast<const void*>(bitmap.get()) << LogFile::endl;
   return bitmap;
@@ -142,6 +132,7 @@ void closeForRestart(JobState& job) {
 
 std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection) {
   if (!job.hostCore.v8) job.hostCore = fetchHostCore();
+  clearAbandonedFrame(job);
   forgetViewOfEndedJob(job);
   sendStdoutLine(connection, u"Render frame " + to_wstring(frame));
   const hostsdk::TimeValue time = setSceneTime(job, frame);
@@ -155,7 +146,7 @@ std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socke
   if (skipsExisting(job, connection)) return 0;
   sendStdoutLine(connection, u"Rendering frame \"" + job.outputInfo.Name() + u"\"");
   cleanup.mainBitmap = createMainBitmap(job);
-  nameRenderElements(job, frame, cleanup.elementNames);
+  nameRenderElements(job, frame);
   sendStdoutLine(connection, u"Rendering " + to_wstring(job.renderElementCount) + u" render elements");
   setupRenderer(job, frame, connection);
   if (job.multipassEnabled) createElementAccumulators(job);
@@ -170,15 +161,16 @@ std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socke
   saveMainOutput(job, *cleanup.mainBitmap, connection);
   if (job.settings.saveRenderElements) saveRenderElements(job, connection);
 
-  cleanup.releaseBitmaps();
-  cleanup.restoreNames();
+  cleanup.run();
   if (job.settings.restartRendererMode) closeForRestart(job);
   return 0;
 }
 
 Trapped<std::uint16_t> trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection) {
-  return trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", std::uint16_t{1},
-                     [&] { return RenderFrame(job, frame, connection); });
+  const auto outcome = trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", std::uint16_t{1},
+                                   [&] { return RenderFrame(job, frame, connection); });
+  if (outcome.faulted()) job.frameAbandoned = true;
+  return outcome;
 }
 
 }  // namespace corvantis

@@ -20,8 +20,9 @@ namespace corvantis {
 // which went with the scene: the renderer is then opened for neither.
 std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection);
 
-// The same with machine faults trapped: 1 after a fault, which leaves the frame where it stood, its bitmaps and names
-// included. Faults of the renderer itself are trapped inside RenderFrame and end the frame like any failure.
+// The same with machine faults trapped: 1 after a fault, which leaves the frame where it stood; its bitmaps and names
+// are given back when the next frame begins, the job ends or another starts. Faults of the renderer itself are trapped
+// inside RenderFrame and end the frame like any failure.
 Trapped<std::uint16_t> trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection);
 
 }  // namespace corvantis

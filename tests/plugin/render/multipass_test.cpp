@@ -94,17 +94,5 @@ TEST_F(Multipass, LeavesOutAnElementThatLacksABitmapOrAnAccumulator) {
   }
 }
 
-TEST_F(Multipass, ReleasesAccumulatorsThatAnAbandonedFrameLeft) {
-  useMultipass(2);
-  addElement(u"Z", at("z.exr"));
-  ASSERT_EQ(render(1), "");
-  hostsdk::BitmapInfo info;
-  for (const bool rendererOpen : {true, false}) {
-    job.elementAccumulators = {host.bitmaps.Create(info), nullptr};
-    job.rendererOpen = rendererOpen;
-    EXPECT_THAT(saved(2), ElementsAre(R"(OUT\beauty0002.exr)", R"(OUT\z0002.exr)"));
-  }
-}
-
 }  // namespace
 }  // namespace corvantis

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "plugin/job/end_job.h"
+#include "plugin/job/start_job.h"
 #include "support/frame_fixture.h"
 #include "support/scripted_peer.h"
 
@@ -318,6 +319,53 @@ TEST_F(RenderFrameTest, GivesOneForAFaultOutsideTheRenderer) {
   EXPECT_EQ(trappedRenderFrame(job, 7, connection).value, 1);
   host.calls.off("SetTime");
   EXPECT_EQ(trappedRenderFrame(job, 8, connection).value, 0);
+}
+
+// A fault leaves the frame as it stands: nothing of it may show in the next frame's names, nor outlive the scene.
+TEST_F(RenderFrameTest, TakesBackWhatAFaultAbandoned) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "a frame that faults is abandoned with the memory that its stack held: a leak by design";
+#endif
+  useMultipass(2);
+  FakeElement& element = addElement(u"Z", at("z.exr"));
+  const auto prepare = [&] {
+    failOnBlack(false);
+    useRegion(1, {0, 0, 8, 6});
+    job.settings.regionPadding = 1;
+  };
+  const auto abandonFrame = [&](const char* operation, int call) {
+    host.calls.on(operation, onCall(call, writingToNull()));
+    EXPECT_EQ(trappedRenderFrame(job, 7, connection).value, 1);
+    host.calls.off(operation);
+    EXPECT_THAT(host.bitmaps.live(), Not(IsEmpty()));
+  };
+  // Creates: main, element, accumulator, passes, and what is cut out of main and element.
+  const std::pair<const char*, int> faults[] = {{"Create", 2},     {"Create", 4},           {"Create", 5},
+                                                {"SetupPass", 2},  {"AccumulateBitmap", 2}, {"Finish", 1},
+                                                {"OpenOutput", 1}, {"OpenOutput", 2},       {"Write", 2}};
+  for (const auto& [operation, call] : faults) {
+    SCOPED_TRACE(Message() << operation << " " << call);
+    prepare();
+    abandonFrame(operation, call);
+    EXPECT_THAT(saved(8), ElementsAre(R"(OUT\beauty0008.exr)", R"(OUT\z0008.exr)"));
+    EXPECT_THAT(host.bitmaps.live(), IsEmpty());
+    EXPECT_EQ(element.output.info.Name(), at("z.exr"));
+
+    abandonFrame(operation, call);
+    EndJob(job);
+    EXPECT_THAT(host.bitmaps.live(), IsEmpty());
+    EXPECT_EQ(element.output.info.Name(), at("z.exr"));
+    StartJob(job, u"C:\\a.max", u"Cam");
+  }
+  // Nor does a frame outside any job leave it to the next scene; what faults again is not tried twice.
+  EndJob(job);
+  host.calls.on("Create", onCall(2, writingToNull()));
+  EXPECT_TRUE(trappedRenderFrame(job, 7, connection).faulted());
+  host.calls.off("Create");
+  host.calls.on("DeleteThis", onCall(1, writingToNull()));
+  EXPECT_TRUE(trappedStartJob(job, u"C:\\a.max", u"").faulted());
+  EXPECT_FALSE(trappedStartJob(job, u"C:\\a.max", u"").faulted());
+  EXPECT_EQ(element.output.info.Name(), at("z.exr"));
 }
 
 }  // namespace
