@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace platform {
@@ -30,8 +29,6 @@ bool connectSocket(SocketHandle socket, std::uint32_t address, std::uint16_t por
 std::ptrdiff_t sendBytes(SocketHandle socket, const char* bytes, std::size_t count);
 // One receive call; the number of bytes read, 0 when the peer has closed, or -1.
 std::ptrdiff_t receiveBytes(SocketHandle socket, char* bytes, std::size_t count);
-// The same without waiting: nullopt when nothing has arrived.
-std::optional<std::ptrdiff_t> receiveArrived(SocketHandle socket, char* bytes, std::size_t count);
 
 // Shuts the socket down in both directions and closes it.
 void closeSocket(SocketHandle socket);

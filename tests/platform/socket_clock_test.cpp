@@ -39,8 +39,6 @@ TEST(Socket, FailuresHaveTheSystemsOwnNumbers) {
   char byte = 0;
   EXPECT_EQ(receiveBytes(socket, &byte, 1), -1);
   EXPECT_EQ(lastSocketError(), support::kNoSocket);
-  EXPECT_EQ(receiveArrived(socket, &byte, 1), -1);
-  EXPECT_EQ(lastSocketError(), support::kNoSocket);
   EXPECT_EQ(clock().waitReadable(socket, 1000), WaitResult::failed);
   EXPECT_EQ(lastSocketError(), support::kNoSocket);
   stopSocketLibrary();
@@ -53,19 +51,6 @@ TEST(Socket, SendsIntoABrokenConnectionFailWithoutASignal) {
   EXPECT_LE(receiveBytes(pair.ours(), &byte, 1), 0);  // the end is known from here on
   EXPECT_EQ(sendBytes(pair.ours(), "x", 1), -1);
   EXPECT_EQ(lastSocketError(), support::kBrokenConnection);
-}
-
-TEST(Socket, TakesWhatHasArrivedWithoutWaiting) {
-  SocketPair pair;
-  char byte = 0;
-  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), std::nullopt);
-  pair.send("x");
-  ASSERT_EQ(clock().waitReadable(pair.ours(), 60000), WaitResult::readable);
-  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), 1);
-  EXPECT_EQ(byte, 'x');
-  pair.close();
-  ASSERT_EQ(clock().waitReadable(pair.ours(), 60000), WaitResult::readable);
-  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), 0);
 }
 
 TEST(SystemClock, WaitsForDataAndForAClosedPeer) {

@@ -76,7 +76,7 @@ std::u16string systemErrorText(std::uint32_t errorNumber) {
   const DWORD size = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, errorNumber,
                                       0, buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
   std::u16string text(reinterpret_cast<const char16_t*>(buffer.data()), size);
-  while (!text.empty() && (text.back() == u'\n' || text.back() == u'\r' || text.back() == u' ')) text.pop_back();
+  while (!text.empty() && (text.back() == u'\n' || text.back() == u'\r')) text.pop_back();
   return text;
 }
 

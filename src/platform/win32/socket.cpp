@@ -61,17 +61,6 @@ std::ptrdiff_t receiveBytes(SocketHandle socket, char* bytes, std::size_t count)
   return ::recv(socket, bytes, countOf(count), 0);
 }
 
-std::optional<std::ptrdiff_t> receiveArrived(SocketHandle socket, char* bytes, std::size_t count) {
-  fd_set watched{};
-  watched.fd_count = 1;
-  watched.fd_array[0] = socket;
-  timeval atOnce{};
-  const int ready = ::select(0, &watched, nullptr, nullptr, &atOnce);
-  if (ready == SOCKET_ERROR) return -1;
-  if (ready == 0) return std::nullopt;
-  return receiveBytes(socket, bytes, count);
-}
-
 void closeSocket(SocketHandle socket) {
   (void)::shutdown(socket, SD_BOTH);
   (void)::closesocket(socket);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "platform/clock.h"
 
@@ -116,19 +117,21 @@ std::uint32_t simple_socket::receive_header(bool useEndTime, std::uint32_t endTi
   }
   Header header{};
   try {
-    receive_data(header.data(), header.size(), useEndTime, endTime);
+    receive_data(header.data(), header.size(), useEndTime, endTime, useEndTime);
   } catch (const simple_socket_disconnect_error&) {
     throw simple_socket_disconnect_error("simple_socket::receive: socket was disconnected while reading header.");
   }
   return decodeLength(header);
 }
 
-void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime) {
+// `isReadable` spares the first wait after one that has just ended well.
+void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime,
+                                 bool isReadable) {
   std::size_t received = 0;
   while (received < count) {
+    if (useEndTime && !std::exchange(isReadable, false)) wait_readable(endTime);
     const std::size_t wanted = std::min(count - received, kReadChunk);
-    const std::ptrdiff_t read = useEndTime ? receive_until(buffer + received, wanted, endTime)
-                                           : platform::receiveBytes(connectedSocket, buffer + received, wanted);
+    const std::ptrdiff_t read = platform::receiveBytes(connectedSocket, buffer + received, wanted);
     if (read < 0) {
       const std::string errorNumber = lastErrorNumber();  // closing may overwrite it
       close(true);
@@ -139,14 +142,6 @@ void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTim
       throw simple_socket_disconnect_error("simple_socket::receive: socket was disconnected while reading data.");
     }
     received += static_cast<std::size_t>(read);
-  }
-}
-
-// Waits only when there is nothing to read: a wait is a system call of its own.
-std::ptrdiff_t simple_socket::receive_until(char* buffer, std::size_t count, std::uint32_t endTime) {
-  for (;;) {
-    if (const auto read = platform::receiveArrived(connectedSocket, buffer, count)) return *read;
-    wait_readable(endTime);
   }
 }
 

@@ -221,14 +221,38 @@ TEST_F(PacketSocket, ClosesAtAReadErrorButNotAtASendError) {
   another.finish();
 }
 
+// Takes the socket away before one of its waits.
+class BreakingClock final : public platform::Clock {
+ public:
+  BreakingClock(platform::Clock& clock, int brokenWait) : clock_(clock), waitsLeft_(brokenWait) {}
+  std::uint32_t tickCount() override { return clock_.tickCount(); }
+  void sleep(std::uint32_t milliseconds) override { clock_.sleep(milliseconds); }
+  platform::WaitResult waitReadable(platform::SocketHandle socket, std::uint32_t milliseconds) override {
+    if (--waitsLeft_ == 0) platform::closeSocket(socket);
+    return clock_.waitReadable(socket, milliseconds);
+  }
+
+ private:
+  platform::Clock& clock_;
+  int waitsLeft_;
+};
+
+// Before the header and before the data, which have arrived.
 TEST_F(PacketSocket, ReportsAWaitThatFailsAndStaysOpen) {
-  connect();
-  peer.awaitSteps();  // the peer is to take no descriptor any more
-  platform::closeSocket(socket.handle());
-  expectReceiveError<simple_socket_error>(
-      120000, "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
-  EXPECT_TRUE(socket.isConnected());
-  peer.finish();
+  for (const int brokenWait : {1, 2}) {
+    ScriptedPeer worker;
+    worker.send("data");
+    worker.start();
+    socket.connect("127.0.0.1", worker.port(), 1);
+    worker.awaitSteps();  // the peer is to take no descriptor any more
+    BreakingClock breaking(clock, brokenWait);
+    const platform::ClockReplacement inForce(breaking);
+    expectReceiveError<simple_socket_error>(
+        120000, "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
+    EXPECT_TRUE(socket.isConnected());
+    socket.close(true);
+    worker.finish();
+  }
 }
 
 }  // namespace
