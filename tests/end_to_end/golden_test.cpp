@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "hostkit/image/image_codec_library.h"
+#include "hostkit/codec/image_codec_library.h"
 #include "programs.h"
 #include "support/build_folders.h"
 #include "support/temporary_folder.h"

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "hostkit/image/image_codec_library.h"
+#include "hostkit/codec/image_codec_library.h"
 #include "support/build_folders.h"
 
 namespace end_to_end {

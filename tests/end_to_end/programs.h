@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "hostkit/image/image_codec.h"
+#include "hostkit/codec/image_codec.h"
 
 namespace end_to_end {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "hostkit/image/bitmap_manager.h"
-#include "hostkit/image/image_codec_library.h"
+#include "hostkit/codec/image_codec_library.h"
 #include "hostkit/script/engine/engine.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostkit/services/path_configuration.h"

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "hostkit/image/image_codec_library.h"
+#include "hostkit/codec/image_codec_library.h"
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"

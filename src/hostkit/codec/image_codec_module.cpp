@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "hostkit/image/image_codec.h"
+#include "hostkit/codec/image_codec.h"
 
 namespace {
 

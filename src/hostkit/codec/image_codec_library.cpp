@@ -1,4 +1,4 @@
-#include "hostkit/image/image_codec_library.h"
+#include "hostkit/codec/image_codec_library.h"
 
 #include <boost/dll/runtime_symbol_info.hpp>
 #include <boost/dll/shared_library.hpp>

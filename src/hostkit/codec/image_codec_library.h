@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "hostkit/image/image_codec.h"
+#include "hostkit/codec/image_codec.h"
 
 namespace hostkit::image {
 
