@@ -21,6 +21,7 @@ struct Arguments {
   std::string scene, frames, output, camera, jpegFolder, localFolder, jobFile;
   std::string host;
   std::optional<double> timeout;
+  double grace = 0;
   std::vector<std::string> settings, preJob, perFrame, postJob, mappings;
   std::string crashReport;
   bool verbose = false, quiet = false, plain = false, stopOnError = false;
@@ -34,6 +35,11 @@ void addCommonOptions(CLI::App& command, Arguments& arguments) {
   command.add_option("--timeout", arguments.timeout, "Seconds that the host may say nothing before it counts as hung")
       ->check(CLI::PositiveNumber)
       ->default_str(fmt::format("{}", kDefaultTimeout));
+  command
+      .add_option("--grace", arguments.grace,
+                  "Seconds that the frame under way is given to finish when the worker is asked to terminate")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
   command.add_option("--crash-report", arguments.crashReport,
                      "Folder that keeps the description of a crash inside the host");
   command.add_flag("-v,--verbose", arguments.verbose, "Show the log lines of the plug-in and the host");
@@ -80,7 +86,7 @@ std::optional<Help> parse(std::vector<std::string> texts, Arguments& arguments) 
       "out/preview\n\n"
       "Exit codes: 0 every frame was rendered and saved, 1 some frames failed, 2 wrong usage, 3 the host did not "
       "start,\n"
-      "died or hung, 4 the scene, a setting or a script was refused, 130 interrupted.");
+      "died or hung, 4 the scene, a setting or a script was refused, 75 terminated, 129 hung up, 130 interrupted.");
   addRender(app, arguments);
   addRun(app, arguments);
   try {
@@ -117,6 +123,10 @@ std::vector<std::string> splitCommand(const std::string& text) {
   for (const std::string& word : boost::tokenizer<Separator>(text, Separator("\\", " \t", "\"'")))
     if (!word.empty()) words.push_back(word);
   return words;
+}
+
+std::chrono::milliseconds milliseconds(double seconds) {
+  return std::chrono::milliseconds(static_cast<std::int64_t>(std::min(seconds, 1e9) * 1000));
 }
 
 std::vector<std::string> absolutePaths(const std::vector<std::string>& paths) {
@@ -164,8 +174,8 @@ Request requestOf(const Arguments& arguments) {
   }
   request.host = splitCommand(host);
   if (!host.empty() && request.host.empty()) throw std::invalid_argument("--host: expected a command, got nothing");
-  request.silence =
-      std::chrono::milliseconds(static_cast<std::int64_t>(std::min(timeout.value_or(kDefaultTimeout), 1e9) * 1000));
+  request.silence = milliseconds(timeout.value_or(kDefaultTimeout));
+  request.grace = milliseconds(arguments.grace);
   request.crashReportFolder = absolutePath(arguments.crashReport);
   request.verbose = arguments.verbose;
   request.quiet = arguments.quiet;

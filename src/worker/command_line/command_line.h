@@ -16,7 +16,8 @@ struct Request {
   Job job;
   std::vector<std::string> host;  // program and arguments; empty: the host beside this program
   std::chrono::milliseconds silence{300000};
-  std::string crashReportFolder;  // empty: crash descriptions are only printed
+  std::chrono::milliseconds grace{0};  // for the frame under way when the worker is asked to terminate
+  std::string crashReportFolder;       // empty: crash descriptions are only printed
   bool verbose = false;
   bool quiet = false;
   bool plain = false;

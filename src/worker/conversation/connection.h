@@ -19,6 +19,8 @@ class Connection {
   virtual void send(const std::string& payload) = 0;
   // The next message, waited for as long as the host may stay silent.
   virtual std::string receive() = 0;
+  // The job can be left here without loss: where a stop was asked for, it is now.
+  virtual void betweenFrames() {}
 };
 
 }  // namespace worker

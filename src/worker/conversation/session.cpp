@@ -27,9 +27,8 @@ class Session::Refused : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-Session::Session(const Job& job, const std::string& token, Connection& connection, JobObserver& observer,
-                 std::function<double()> now)
-    : job_(job), token_(token), connection_(connection), observer_(observer), now_(std::move(now)) {}
+Session::Session(const Job& job, Connection& connection, JobObserver& observer, std::function<double()> now)
+    : job_(job), connection_(connection), observer_(observer), now_(std::move(now)) {}
 
 JobResult Session::run() {
   try {
@@ -40,9 +39,11 @@ JobResult Session::run() {
     sendSettings(false);
     runScripts(job_.preJobScripts, false, 0);
     for (std::size_t i = 0; i < job_.frames.size(); ++i) {
+      connection_.betweenFrames();
       renderFrame(i);
       if (job_.stopOnError && !result_.frames.back().rendered) break;
     }
+    connection_.betweenFrames();
     runScripts(job_.postJobScripts, false, 0);
     endJob();
   } catch (const Refused& e) {
@@ -56,8 +57,6 @@ JobResult Session::run() {
 }
 
 void Session::handshake() {
-  if (connection_.receive() != token_)
-    throw HostFailure("Something other than the host connected: the token it sent is not the one it was given");
   connection_.send(std::string(protocol::kStartup));
   const std::string identification = connection_.receive();
   if (!identification.starts_with(protocol::kIdentification))

@@ -27,10 +27,10 @@ class JobObserver {
 class Session {
  public:
   // All are borrowed. `now` gives seconds from any fixed moment.
-  Session(const Job& job, const std::string& token, Connection& connection, JobObserver& observer,
-          std::function<double()> now);
+  Session(const Job& job, Connection& connection, JobObserver& observer, std::function<double()> now);
 
-  // Runs the job from the token to the end of the job. Never throws for what the host does: a lost host is a result.
+  // Runs the job from the handshake to the end of the job. Never throws for what the host does: a lost host is a
+  // result.
   JobResult run();
 
  private:
@@ -51,7 +51,6 @@ class Session {
   void send(const std::vector<std::string>& fields);
 
   const Job& job_;
-  const std::string& token_;
   Connection& connection_;
   JobObserver& observer_;
   std::function<double()> now_;

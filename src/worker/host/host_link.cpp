@@ -1,79 +1,34 @@
 #include "worker/host/host_link.h"
 
-#include <utility>  // needed before Asio, which forgets it
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <array>
-#include <boost/asio.hpp>
-#include <boost/process.hpp>
-#include <boost/process/group.hpp>
-#include <csignal>
+#include <boost/asio/read.hpp>
+#include <boost/asio/write.hpp>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
+#include <iterator>
 #include <optional>
 #include <random>
 
-#include "platform/environment.h"
 #include "protocol/framing.h"
+#include "worker/host/door.h"
+#include "worker/host/event_loop.h"
+#include "worker/host/host_process.h"
+#include "worker/host/start_script.h"
 
 namespace worker {
 namespace asio = boost::asio;
-namespace process = boost::process;
-namespace fs = std::filesystem;
 using asio::ip::tcp;
+using std::chrono::milliseconds;
 
 namespace {
 
-constexpr std::size_t kKeptLines = 20;
-
-// The start-up script, gone with the object.
-class StartScript {
- public:
-  StartScript(std::uint16_t port, const std::string& token) {
-    path_ = fs::temp_directory_path() / ("tessaryn-" + token.substr(0, 16) + ".ms");
-    std::ofstream stream(path_);
-    stream << "-- Hands this host to the farm worker that started it.\n"
-           << fmt::format("TessarynUtil.RunCorvantisDaemon {} \"{}\"\n", port, token);
-    if (!stream.flush()) throw HostFailure("Cannot write the start-up script " + path_.string());
-  }
-  ~StartScript() {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-  }
-  StartScript(const StartScript&) = delete;
-  StartScript& operator=(const StartScript&) = delete;
-  std::string path() const { return path_.string(); }
-
- private:
-  fs::path path_;
-};
-
-std::vector<std::string> withScript(std::vector<std::string> command, const std::string& script) {
-  bool placed = false;
-  for (std::string& argument : command)
-    if (const auto at = argument.find("{script}"); at != std::string::npos) {
-      argument.replace(at, std::string("{script}").size(), script);
-      placed = true;
-    }
-  if (!placed) command.push_back(script);
-  return command;
-}
-
-std::string describeExit(int code, bool signalled) {
-  return signalled ? fmt::format("was ended by signal {}", code) : fmt::format("ended with exit code {}", code);
-}
-
-// Asio's signal handler writes into a pipe, which is closed with the last io_context that listens for signals, its
-// reading end first. A child that ends just then would be a SIGPIPE and the end of this program: one io_context is
-// kept for good, and the pipe with it.
-void keepSignalPipeOpen() {
-  // Volatile, so that the pointer stays in memory, where the leak checker finds it.
-  static asio::signal_set* volatile kept = new asio::signal_set(*new asio::io_context);
-  (void)kept;
-}
+constexpr std::size_t kKeptLines = 200;
+constexpr std::size_t kToldLines = 20;
+// How long a host whose connection broke is given to end, so that its end can be told.
+constexpr milliseconds kEndAfterLoss{500};
 
 }  // namespace
 
@@ -82,41 +37,30 @@ std::string randomToken() {
   return fmt::format("{:08x}{:08x}{:08x}{:08x}", random(), random(), random(), random());
 }
 
+// The order of the members is that of their ends: the host's process first, what it was given and the loop last.
 class HostLink::Implementation {
  public:
-  Implementation(const HostOptions& options, const std::string& token)
+  explicit Implementation(const HostOptions& options)
       : options_(options),
-        acceptor_(io_, tcp::endpoint(asio::ip::address_v4::loopback(), 0)),
-        socket_(io_),
-        timer_(io_),
-        signals_(io_, SIGINT, SIGTERM),
-        script_(acceptor_.local_endpoint().port(), token) {
-    keepSignalPipeOpen();
-    watchSignals();
-    startHost();
-    acceptPlugin();
+        loop_(options.stop, options.grace, options.look),
+        door_(loop_, token_),
+        socket_(loop_.context()),
+        script_(door_.port(), token_) {
+    const HostCommand command{options.keeper, script_.in(options.command), script_.environment()};
+    process_.emplace(loop_, command, [this](const std::string& line) { hostLine(line); });
+    awaitPlugin();
   }
-
-  ~Implementation() {
-    boost::system::error_code ignored;
-    socket_.close(ignored);
-    if (!exitCode_) endHost();
-  }
+  ~Implementation() { close(); }
 
   void send(const std::string& payload) {
     const auto size = static_cast<std::uint32_t>(payload.size());
     const std::array<unsigned char, protocol::kHeaderSize> header{
         static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
         static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
-    bool done = false;
-    boost::system::error_code error;
-    asio::async_write(socket_, std::array<asio::const_buffer, 2>{asio::buffer(header), asio::buffer(payload)},
-                      [&](const boost::system::error_code& e, std::size_t) {
-                        error = e;
-                        done = true;
-                      });
-    runUntil(done, "take a command");
-    if (error) throw HostFailure(lost("The connection to the host broke: " + error.message()));
+    transfer("take a command", [&](auto handler) {
+      asio::async_write(socket_, std::array<asio::const_buffer, 2>{asio::buffer(header), asio::buffer(payload)},
+                        handler);
+    });
   }
 
   std::string receive() {
@@ -132,174 +76,135 @@ class HostLink::Implementation {
     return payload;
   }
 
-  bool finish(std::chrono::milliseconds patience) {
-    boost::system::error_code ignored;
-    socket_.shutdown(tcp::socket::shutdown_both, ignored);
-    socket_.close(ignored);
-    if (!waitForExit(patience)) endHost();
-    return exitCode_ == 0 && !signalled_;
+  void betweenFrames() {
+    loop_.protect(false);
+    if (loop_.mustStop()) throw HostFailure(kInterrupted);
+    loop_.protect(true);
+  }
+
+  bool finish(milliseconds patience) {
+    // One that exited before has left another as the host, which has no exit code to tell.
+    const bool launched = process_->hasExited();
+    close();
+    const auto ended = [&] { return process_->isGone() || (!launched && process_->hasExited()); };
+    const bool byItself = loop_.runUntil(ended, patience) == EventLoop::Outcome::over;
+    process_->kill();
+    process_->awaitOutput(kEndAfterLoss);
+    return byItself && process_->succeeded();
   }
 
   const std::deque<std::string>& lastLines() const { return lastLines_; }
 
  private:
-  void watchSignals() {
-    signals_.async_wait([this](const boost::system::error_code& error, int) {
-      if (!error) interrupted_ = true;
-    });
-  }
-
-  void startHost() {
-    const std::vector<std::string> command = withScript(options_.command, script_.path());
-    std::error_code error;
-    const auto onExit = [this](int code, const std::error_code&) { exitCode_ = code; };
-    fs::path program = command.front();
-    if (!program.has_parent_path()) program = process::search_path(command.front()).string();
-    if (program.empty()) throw HostFailure("Cannot start the host: there is no program \"" + command.front() + "\"");
-    child_ = process::child(process::exe = program.string(),
-                            process::args = std::vector<std::string>(command.begin() + 1, command.end()),
-                            process::std_in<process::null, process::std_out> output_, process::std_err > errors_, io_,
-                            process::on_exit = onExit, group_, error);
-    if (error) throw HostFailure(fmt::format("Cannot start the host \"{}\": {}", program.string(), error.message()));
-    readLines(output_, outputText_);
-    readLines(errors_, errorText_);
-  }
-
-  void readLines(process::async_pipe& pipe, std::string& text) {
-    asio::async_read_until(pipe, asio::dynamic_buffer(text, 1 << 20), '\n',
-                           [this, &pipe, &text](const boost::system::error_code& error, std::size_t count) {
-                             if (error) {
-                               if (!text.empty()) hostLine(std::exchange(text, {}));
-                               return;
-                             }
-                             std::string line = text.substr(0, count - 1);
-                             text.erase(0, count);
-                             hostLine(std::move(line));
-                             readLines(pipe, text);
-                           });
-  }
-
-  void hostLine(std::string line) {
+  void hostLine(const std::string& line) {
     if (options_.onHostLine) options_.onHostLine(line);
-    lastLines_.push_back(std::move(line));
+    lastLines_.push_back(line);
     if (lastLines_.size() > kKeptLines) lastLines_.pop_front();
   }
 
-  void acceptPlugin() {
-    bool done = false;
-    boost::system::error_code error;
-    acceptor_.async_accept(socket_, [&](const boost::system::error_code& e) {
-      error = e;
-      done = true;
-    });
-    runUntil(done, "connect", [this] { return exitCode_.has_value(); });
-    acceptor_.close();
-    if (error) throw HostFailure(lost("The host's connection failed: " + error.message()));
+  void awaitPlugin() {
+    await([this] { return door_.hasCome() || !door_.failure().empty(); }, "connect");
+    if (!door_.hasCome()) throw HostFailure(lost("The host cannot be let in: " + door_.failure()));
+    socket_ = door_.take();
     socket_.set_option(tcp::no_delay(true));
+    if (door_.strangers() > 0 && options_.onWarning)
+      options_.onWarning(fmt::format("{} other connection{} came before the host's and did not know the token",
+                                     door_.strangers(), door_.strangers() == 1 ? "" : "s"));
   }
 
   template <class Byte>
   void read(Byte* bytes, std::size_t count) {
+    transfer("answer", [&](auto handler) { asio::async_read(socket_, asio::buffer(bytes, count), handler); });
+  }
+
+  // Carries out one transfer to its end; nothing of it is under way when this returns or throws.
+  template <class Start>
+  void transfer(const char* what, const Start& start) {
     bool done = false;
     boost::system::error_code error;
-    asio::async_read(socket_, asio::buffer(bytes, count), [&](const boost::system::error_code& e, std::size_t) {
+    start([&](const boost::system::error_code& e, std::size_t) {
       error = e;
       done = true;
     });
-    runUntil(done, "answer");
-    if (error == asio::error::eof) throw HostFailure(lost("The host closed the connection early"));
+    try {
+      await([&] { return done; }, what);
+    } catch (...) {
+      close();
+      while (!done) loop_.context().run_one();
+      throw;
+    }
+    if (error == asio::error::eof || error == asio::error::connection_reset)
+      throw HostFailure(lost("The host closed the connection early"));
     if (error) throw HostFailure(lost("The connection to the host broke: " + error.message()));
   }
 
-  // Runs handlers until `done`, the host's silence lasts too long, `ended` holds, or the user interrupts. The pending
-  // operation is always over when this returns or throws.
-  void runUntil(bool& done, const char* what, const std::function<bool()>& ended = {}) {
-    std::string failure;
-    bool expired = false;
-    timer_.expires_after(options_.silence);
-    timer_.async_wait([&](const boost::system::error_code& error) {
-      if (!error) expired = true;
-    });
-    while (!done && failure.empty()) {
-      io_.run_one();
-      if (done) break;
-      if (interrupted_)
-        failure = kInterrupted;
-      else if (ended && ended() && !isDoneAfterAll(done))
-        failure = lost("The host ended before it could " + std::string(what));
-      else if (expired)
-        failure = lost(fmt::format("The host did not {} within {:.0f} seconds", what,
-                                   std::chrono::duration<double>(options_.silence).count()));
+  void await(const std::function<bool()>& done, const char* what) {
+    switch (loop_.runUntil([&] { return done() || process_->isGone(); }, options_.silence)) {
+      case EventLoop::Outcome::over:
+        if (!done()) throw HostFailure(lost(fmt::format("The host ended before it could {}", what)));
+        return;
+      case EventLoop::Outcome::stopped:
+        throw HostFailure(kInterrupted);
+      case EventLoop::Outcome::expired:
+        throw HostFailure(lost(fmt::format("The host did not {} within {:.0f} seconds", what,
+                                           std::chrono::duration<double>(options_.silence).count())));
     }
-    timer_.cancel();
-    if (failure.empty()) return;
-    boost::system::error_code ignored;
-    acceptor_.close(ignored);
-    socket_.close(ignored);
-    while (!done) io_.run_one();
-    throw HostFailure(failure);
-  }
-
-  // What the host did just before it ended may have arrived, and not have been looked at yet.
-  bool isDoneAfterAll(const bool& done) {
-    while (!done && io_.poll_one() > 0) {
-    }
-    return done;
   }
 
   // The reason, how the host ended if it did, and what it said last.
   std::string lost(std::string reason) {
-    waitForExit(std::chrono::milliseconds(500));
-    if (exitCode_) reason += fmt::format("; the host {}", describeExit(*exitCode_, signalled_));
-    if (!lastLines_.empty()) reason += fmt::format("; it last said:\n  {}", fmt::join(lastLines_, "\n  "));
+    loop_.runUntil([this] { return process_->hasExited() || process_->isGone(); }, kEndAfterLoss);
+    const std::string end = process_->end();
+    if (!end.empty()) {
+      reason += "; the host " + end;
+      process_->awaitOutput(kEndAfterLoss);
+    }
+    const auto skipped = static_cast<std::ptrdiff_t>(lastLines_.size() - std::min(lastLines_.size(), kToldLines));
+    const std::vector<std::string> told(std::next(lastLines_.begin(), skipped), lastLines_.end());
+    if (!told.empty()) reason += fmt::format("; it last said:\n  {}", fmt::join(told, "\n  "));
     return reason;
   }
 
-  bool waitForExit(std::chrono::milliseconds patience) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (!exitCode_ && io_.run_one_until(end) > 0) {
-    }
-    if (!exitCode_) return false;
-    noteSignal();
-    while (io_.poll_one() > 0) {  // its last lines
-    }
-    return true;
-  }
-
-  void noteSignal() {
-    const platform::ProcessEnd end = platform::processEnd(child_.native_exit_code());
-    exitCode_ = end.code;
-    signalled_ = end.signalled;
-  }
-
-  void endHost() {
-    std::error_code ignored;
-    group_.terminate(ignored);
-    waitForExit(std::chrono::seconds(5));
+  void close() {
+    boost::system::error_code ignored;
+    socket_.shutdown(tcp::socket::shutdown_both, ignored);
+    socket_.close(ignored);
   }
 
   const HostOptions& options_;
-  asio::io_context io_;
-  tcp::acceptor acceptor_;
+  const std::string token_ = randomToken();
+  EventLoop loop_;
+  Door door_;
   tcp::socket socket_;
-  asio::steady_timer timer_;
-  asio::signal_set signals_;
   StartScript script_;
-  process::async_pipe output_{io_}, errors_{io_};
-  std::string outputText_, errorText_;
   std::deque<std::string> lastLines_;
-  process::group group_;
-  process::child child_;
-  std::optional<int> exitCode_;
-  bool signalled_ = false;
-  bool interrupted_ = false;
+  std::optional<HostProcess> process_;
 };
 
-HostLink::HostLink(const HostOptions& options, const std::string& token)
-    : implementation_(std::make_unique<Implementation>(options, token)) {}
+namespace {
+
+// What the system refuses on the way to a host, such as handles or a folder, is a host that cannot be started.
+template <class Make>
+auto orHostFailure(const Make& make) {
+  try {
+    return make();
+  } catch (const HostFailure&) {
+    throw;
+  } catch (const boost::system::system_error& e) {
+    throw HostFailure("Cannot start the host: " + e.code().message());
+  } catch (const std::runtime_error& e) {
+    throw HostFailure(std::string("Cannot start the host: ") + e.what());
+  }
+}
+
+}  // namespace
+
+HostLink::HostLink(const HostOptions& options)
+    : implementation_(orHostFailure([&] { return std::make_unique<Implementation>(options); })) {}
 HostLink::~HostLink() = default;
 void HostLink::send(const std::string& payload) { implementation_->send(payload); }
 std::string HostLink::receive() { return implementation_->receive(); }
+void HostLink::betweenFrames() { implementation_->betweenFrames(); }
 bool HostLink::finish(std::chrono::milliseconds patience) { return implementation_->finish(patience); }
 const std::deque<std::string>& HostLink::lastLines() const { return implementation_->lastLines(); }
 

@@ -1,4 +1,4 @@
-// A host process started for one job, and the connection that its plug-in opens back to the worker.
+// A host started for one job, and the connection that its plug-in opens back to the worker.
 #pragma once
 
 #include <chrono>
@@ -8,29 +8,37 @@
 #include <string>
 #include <vector>
 
+#include "platform/process/stop_signals.h"
 #include "worker/conversation/connection.h"
 
 namespace worker {
 
 struct HostOptions {
   std::vector<std::string>
-      command;  // program and arguments; "{script}" stands for the start-up script, else it is appended
+      command;         // program and arguments; "{script}" stands for the start-up script, else it is appended
+  std::string keeper;  // native path of the keeper program
   std::chrono::milliseconds silence{300000};           // how long the host may say nothing before it counts as hung
+  std::chrono::milliseconds look{200};                 // how often the clock is looked at while nothing happens
+  std::chrono::milliseconds grace{0};                  // for the frame under way when the worker is asked to terminate
+  const platform::StopSignals* stop = nullptr;         // borrowed; none: the host is waited for whatever comes
   std::function<void(const std::string&)> onHostLine;  // a line of the host's own output
+  std::function<void(const std::string&)> onWarning;
 };
 
 class HostLink : public Connection {
  public:
-  // Listens on a free loopback port, writes the start-up script, starts the host and waits for its plug-in to connect.
-  // HostFailure: the program cannot be started, ends before it connects, or does not connect in time.
-  HostLink(const HostOptions& options, const std::string& token);
-  // Closes the connection and ends the host process if it still runs.
+  // Listens on a free loopback port, writes the start-up script, starts the host and waits until its plug-in has
+  // connected with the token. HostFailure: the program cannot be started, ends before it connects, or does not connect
+  // in time.
+  explicit HostLink(const HostOptions& options);
+  // Closes the connection and ends the host, with all that it has started, if it still runs.
   ~HostLink() override;
   HostLink(const HostLink&) = delete;
   HostLink& operator=(const HostLink&) = delete;
 
   void send(const std::string& payload) override;
   std::string receive() override;
+  void betweenFrames() override;
 
   // Closes the connection and waits for the host to end by itself; after `patience` it is ended. True when it ended by
   // itself with exit code 0.
@@ -39,7 +47,7 @@ class HostLink : public Connection {
   // The host's last lines of output, oldest first.
   const std::deque<std::string>& lastLines() const;
 
-  // Asks for a stop from a signal: the pending or next receive throws HostFailure "Interrupted".
+  // A stop was asked for: what send, receive and betweenFrames throw as a HostFailure then.
   static constexpr const char* kInterrupted = "Interrupted";
 
  private:

@@ -10,15 +10,14 @@
 
 namespace {
 
-std::vector<std::string> defaultHost() {
-  const auto folder = boost::dll::program_location().parent_path();
-  return {(folder / "standin-host").string()};
-}
+std::string programBeside(const char* name) { return (boost::dll::program_location().parent_path() / name).string(); }
 
 worker::RunOptions runOptions(const worker::Request& request) {
   worker::RunOptions options;
-  options.host.command = request.host.empty() ? defaultHost() : request.host;
+  options.host.command = request.host.empty() ? std::vector{programBeside("standin-host")} : request.host;
+  options.host.keeper = programBeside("tessaryn-keeper");
   options.host.silence = request.silence;
+  options.host.grace = request.grace;
   options.console.terminal = !request.plain && platform::outputIsTerminal();
   options.console.verbose = request.verbose;
   options.console.quiet = request.quiet;

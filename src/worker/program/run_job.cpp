@@ -56,12 +56,25 @@ void makeLocalFolder(const Job& job) {
     throw std::runtime_error(fmt::format("The local folder {} cannot be made: {}", job.localFolder, error.message()));
 }
 
-ExitCode exitCodeOf(const Job& job, const JobResult& result) {
+ExitCode exitCodeOf(platform::Stop stop) {
+  switch (stop) {
+    case platform::Stop::terminate:
+      return ExitCode::terminated;
+    case platform::Stop::hangUp:
+      return ExitCode::hungUp;
+    case platform::Stop::interrupt:
+    case platform::Stop::none:
+      break;
+  }
+  return ExitCode::interrupted;
+}
+
+ExitCode exitCodeOf(const Job& job, const JobResult& result, platform::Stop stop) {
   switch (result.status) {
     case JobStatus::refused:
       return ExitCode::jobRefused;
     case JobStatus::hostFailed:
-      return result.message == HostLink::kInterrupted ? ExitCode::interrupted : ExitCode::hostFailed;
+      return result.message == HostLink::kInterrupted ? exitCodeOf(stop) : ExitCode::hostFailed;
     case JobStatus::done:
       break;
   }
@@ -76,16 +89,18 @@ ExitCode exitCodeOf(const Job& job, const JobResult& result) {
 ExitCode runJob(const Job& job, const RunOptions& options) {
   Console console(stdout, options.console);
   const double begin = secondsNow();
+  const platform::StopSignals stop;
   HostOptions host = options.host;
+  host.stop = &stop;
   host.onHostLine = [&console](const std::string& line) { console.hostLine(line); };
+  host.onWarning = [&console](const std::string& line) { console.warning(line); };
 
   JobResult result;
   std::deque<std::string> lastLines;
   try {
     makeLocalFolder(job);
-    const std::string token = randomToken();
-    HostLink link(host, token);
-    result = Session(job, token, link, console, secondsNow).run();
+    HostLink link(host);
+    result = Session(job, link, console, secondsNow).run();
     // A host leaves by itself once the connection is closed. Where a script or a setting ended the conversation, its
     // start-up script has failed, and its exit code says no more than that.
     if (result.status != JobStatus::hostFailed && !link.finish(kPatienceAtEnd) && result.status == JobStatus::done)
@@ -97,7 +112,7 @@ ExitCode runJob(const Job& job, const RunOptions& options) {
   }
   console.report(job, result, secondsNow() - begin);
   keepCrashes(options, result, lastLines, console);
-  return exitCodeOf(job, result);
+  return exitCodeOf(job, result, stop.asked());
 }
 
 }  // namespace worker

@@ -14,8 +14,10 @@ enum class ExitCode {
   success = 0,  // every frame was rendered and saved
   framesFailed = 1,
   usage = 2,
-  hostFailed = 3,  // the host did not start, died, hung or broke the protocol
-  jobRefused = 4,  // the scene could not be opened, or a setting or script failed
+  hostFailed = 3,   // the host did not start, died, hung or broke the protocol
+  jobRefused = 4,   // the scene could not be opened, or a setting or script failed
+  terminated = 75,  // asked to stop by TERM: worth starting again
+  hungUp = 129,
   interrupted = 130
 };
 

@@ -57,9 +57,8 @@ class Recorder : public JobObserver {
 // Runs the job against the steps, all of which must be taken. Every call of the clock is half a second later.
 JobResult run(const Job& job, const std::string& steps, JobObserver& observer) {
   double time = 0;
-  const std::string token = "secret";
   ListedPlugin plugin(steps);
-  JobResult result = Session(job, token, plugin, observer, [&] { return time += 0.5; }).run();
+  JobResult result = Session(job, plugin, observer, [&] { return time += 0.5; }).run();
   EXPECT_TRUE(plugin.done());
   return result;
 }
@@ -77,7 +76,7 @@ TEST(Session, RunsAWholeJob) {
   Recorder recorder;
   const JobResult result =
       run(job,
-          "<secret|>TessarynStartup|<Corvantis May 27 2019 17:22:03 R|"
+          ">TessarynStartup|<Corvantis May 27 2019 17:22:03 R|"
           ">GammaCorrection,2.2,2.2|>TempFolder,\\\\local|"  // act when the scene is opened
           ">StartJob,\\\\scenes\\\\a.gltf,Cam\\, 1|<SUCCESS Scene loaded successfully|"
           ">RemovePadding|>LocalRendering|>OutputImageFilename,\\\\out\\\\beauty.exr|"  // are reset when it is opened
@@ -133,7 +132,7 @@ TEST(Session, EveryWayAJobCanGoWrong) {
   scripted.postJobScripts = {"/s/post.ms"};
   Job wordy = one;
   wordy.settings = {{"TempFolder", std::string(100000, 'x')}};
-  const std::string greeted = "<secret|>TessarynStartup|<Corvantis x";
+  const std::string greeted = ">TessarynStartup|<Corvantis x";
   const std::string asked = greeted + R"(|>StartJob,\\scenes\\a.gltf,|)";
   const std::string opened = asked + "<SUCCESS Scene loaded successfully|";
   const std::string begun = opened + ">CurrentTask,0|>RenderTask,1|";
@@ -141,10 +140,9 @@ TEST(Session, EveryWayAJobCanGoWrong) {
     const Job& job;
     std::string steps, outcome;
   } cases[] = {
-      {one, "<other", "lost: Something other than the host connected: the token it sent is not the one it was given"},
-      {one, "<secret|>TessarynStartup|<Hello",
+      {one, ">TessarynStartup|<Hello",
        "lost: Expected \"Corvantis \" and a version from the plug-in, got \"Hello\""},
-      {one, "<secret|>TessarynStartup|!it died", "lost: it died"},
+      {one, ">TessarynStartup|!it died", "lost: it died"},
       {wordy, greeted, "refused: The command TempFolder is 100011 bytes long; a plug-in takes at most 100000"},
       {one, asked + "<ERROR: Invalid max file: \"a\"|<SUCCESS Scene loaded successfully",
        "refused: Invalid max file: \"a\""},
