@@ -35,8 +35,7 @@ class HOSTSDK_API Value : public Collectable {
   // The truth of a boolean; false for any other value.
   virtual bool isTrue() const = 0;
 
-  // The value's own conversion to text: a string's or name's characters, what "as string" gives for the rest; nullopt
-  // where a value has no text.
+  // The value's own conversion to text: a string's or name's characters; nullopt for what is not text, such as numbers.
   virtual std::optional<std::u16string> text() const = 0;
   // Writes the printed form, as the host's listener shows the value: strings in quotes.
   virtual void sprin1(CharStream& stream) = 0;

@@ -36,15 +36,22 @@ class PortTest : public testing::Test {
     kept[2] = static_cast<hostsdk::Parser*>(kept[1])->compile_all(static_cast<hostsdk::StringStream*>(kept[0]));
     return kept[2] ? kept[2]->eval() : nullptr;
   }
+  std::string shown(std::u16string_view text) {
+    return written([&](auto& stream) { evaluate(text)->sprin1(stream); });
+  }
+  template <class Print>
+  std::string written(Print print) {
+    hostsdk::ScopedValueTempArray kept(1);
+    auto* stream = port().newStringStream();
+    kept[0] = stream;
+    print(*stream);
+    return hostkit::toUtf8(stream->text_of_stream());
+  }
   std::string errorOf(std::u16string_view text) {
     try {
       evaluate(text);
     } catch (const hostsdk::MAXScriptException& error) {
-      hostsdk::ScopedValueTempArray kept(1);
-      auto* stream = port().newStringStream();
-      kept[0] = stream;
-      error.sprin1(*stream);
-      return hostkit::toUtf8(stream->text_of_stream());
+      return written([&](auto& stream) { error.sprin1(stream); });
     }
     return "no error";
   }
@@ -56,8 +63,8 @@ class PortTest : public testing::Test {
 };
 
 TEST_F(PortTest, EvaluatesAWholeStreamAsOneValue) {
-  EXPECT_EQ(evaluate(u"(a = 1\na + 1)")->text(), u"2");
-  EXPECT_EQ(evaluate(u"x = 40\nx + 2")->text(), u"42");
+  EXPECT_EQ(shown(u"(a = 1\na + 1)"), "2");
+  EXPECT_EQ(shown(u"x = 40\nx + 2"), "42");
   EXPECT_EQ(evaluate(u"\"text\"")->kind(), hostsdk::Value::Kind::string);
   EXPECT_EQ(evaluate(u"ok")->kind(), hostsdk::Value::Kind::ok);
   EXPECT_TRUE(evaluate(u"1 == 1")->isTrue());
@@ -121,7 +128,7 @@ TEST_F(PortTest, PrintsWhereTheThreadsOutputGoes) {
 
 TEST_F(PortTest, ReadsScriptFilesInAnyEncoding) {
   const support::TemporaryFolder folder;
-  folder.write("latin.ms", "\"caf\xE9\".count");
+  folder.write("latin.ms", "\"caf\xE9\".count as string");
   hostsdk::ScopedValueTempArray kept(2);
   auto* file = port().newFileStream();
   kept[0] = file;
@@ -130,6 +137,33 @@ TEST_F(PortTest, ReadsScriptFilesInAnyEncoding) {
   EXPECT_EQ(static_cast<hostsdk::Parser*>(kept[1])->compile_all(file)->eval()->text(), u"4");
   file->close();
   EXPECT_THROW(file->open(folder.wide("none.ms"), u"r", -1), hostsdk::MAXScriptException);
+}
+
+TEST_F(PortTest, RunsAFileAsTheRunningScript) {
+  const support::TemporaryFolder folder;
+  folder.write("part.ms", "40");
+  folder.write("settings.ms", "mine = 2");
+  folder.write("job.ms",
+               "include \"settings.ms\"\n"
+               "#(filenameFromPath (getThisScriptFilename()), mine + (fileIn \"part.ms\"))");
+  hostsdk::ScopedValueTempArray kept(2);
+  auto* file = port().newFileStream();
+  kept[0] = file;
+  file->open(folder.wide("job.ms"), u"r", -1);
+  kept[1] = port().newParser(nullptr);
+  kept[1] = static_cast<hostsdk::Parser*>(kept[1])->compile_all(file);
+  EXPECT_EQ(written([&](auto& stream) { kept[1]->eval()->sprin1(stream); }), "#(\"job.ms\", 42)");
+  EXPECT_EQ(shown(u"getThisScriptFilename()"), "undefined") << "it has ended";
+}
+
+TEST_F(PortTest, ShowsWhatDoesNotCompileWhereTheParserWasTold) {
+  const std::string shownThere = written([&](auto& stream) {
+    port().thread_locals().currentStdout = &stream;
+    errorOf(u"(a = )");
+    port().thread_locals().currentStdout = &port().listener();
+  });
+  EXPECT_NE(shownThere.find("-- Syntax error: at ), expected <factor>"), std::string::npos) << shownThere;
+  EXPECT_EQ(printed, u"");
 }
 
 // A plug-in's interface, published by hand.
@@ -190,9 +224,14 @@ class Published : public hostsdk::FPStaticInterface {
 TEST_F(PortTest, PublishesInterfaces) {
   const Published interface;
   engine->publishInterfaces();
-  EXPECT_EQ(evaluate(u"testUtil.addup 1 2.5")->text(), u"3");
+  EXPECT_EQ(shown(u"testUtil.addup 1 2.5"), "3");
   EXPECT_EQ(evaluate(u"TestUtil.Greet \"you\"")->text(), u"hello you");
-  EXPECT_EQ(evaluate(u"TestUtil.Answer")->text(), u"42");
+  EXPECT_EQ(evaluate(u"TestUtil.Greet #you")->text(), u"hello you");
+  EXPECT_EQ(printed, u"");
+  EXPECT_EQ(evaluate(u"TestUtil.Greet 5")->text(), u"hello ?");
+  EXPECT_EQ(hostkit::toUtf8(printed),
+            "-- Warning: TestUtil.Greet takes a text and finds an empty one in: 5; convert it with \"as string\"\n");
+  EXPECT_EQ(shown(u"TestUtil.Answer"), "42");
   EXPECT_EQ(errorOf(u"TestUtil.Fail()"), "-- Runtime error: it failed");
   EXPECT_EQ(errorOf(u"TestUtil.AddUp 1"), "-- Argument count error: AddUp wanted 2, got 1");
   EXPECT_EQ(errorOf(u"TestUtil.AddUp \"x\" 1"), "-- Unable to convert: \"x\" to type: Integer");

@@ -67,7 +67,7 @@ std::vector<SyntaxProblem> Engine::check(const std::u16string& path) {
   std::vector<SyntaxProblem> problems;
   catching(
       [&] {
-        runtime_->runningFiles.push_back(path);
+        const RunningFile running(*runtime_, path);
         ScriptParser parser(source, runtime_->scriptFinder());
         for (;;) {
           Tree tree;
@@ -85,7 +85,6 @@ std::vector<SyntaxProblem> Engine::check(const std::u16string& path) {
         problem.text = message.substr(3, message.find(u'\n') - 3);
         problems.push_back(std::move(problem));
       });
-  runtime_->runningFiles.pop_back();
   return problems;
 }
 

@@ -47,7 +47,8 @@ class Engine {
 
   // Makes every interface in hostsdk::registeredInterfaces() a global of its name; call again after loading more.
   // Functions take their declared parameters: numbers are converted, booleans must be booleans (or whole numbers),
-  // values travel as handles. Properties without a setter are read-only.
+  // values travel as handles. A value that is not text is worth a warning on the listener, for plug-ins read their
+  // values as text. Properties without a setter are read-only.
   void publishInterfaces();
 
   // Runs what scripts registered with callbacks.addScript for `event`; `parameter` is what

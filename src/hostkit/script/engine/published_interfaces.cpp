@@ -5,6 +5,7 @@
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/port.h"
+#include "hostkit/script/machine/printing.h"
 #include "hostkit/script/syntax/text.h"
 #include "hostsdk/function_publishing.h"
 
@@ -40,7 +41,7 @@ class InterfaceObject final : public HostObject {
     const auto* property = find(interface_.published().properties, name);
     if (!property || property->setter == hostsdk::kNoFunction) return false;
     hostsdk::FPParams parameters;
-    parameters.params.push_back(argument(value, property->type));
+    parameters.params.push_back(argument(value, property->type, property->name));
     invoke(property->name, property->setter, hostsdk::kFpTypeVoid, &parameters);
     return true;
   }
@@ -53,7 +54,7 @@ class InterfaceObject final : public HostObject {
       throwArgumentCount(function->name, function->parameters.size(), arguments.size());
     hostsdk::FPParams parameters;
     for (std::size_t i = 0; i < arguments.size(); ++i)
-      parameters.params.push_back(argument(arguments[i], function->parameters[i].type));
+      parameters.params.push_back(argument(arguments[i], function->parameters[i].type, function->name));
     return invoke(function->name, function->id, function->resultType, &parameters);
   }
 
@@ -65,8 +66,8 @@ class InterfaceObject final : public HostObject {
     return found == entries.end() ? nullptr : &*found;
   }
 
-  // The caller holds an allocation frame.
-  hostsdk::FPValue argument(const HostValue& given, int type) {
+  // For the member `name`. The caller holds an allocation frame.
+  hostsdk::FPValue argument(const HostValue& given, int type, const std::u16string& name) {
     const Root value(runtime_.heap(), fromHost(runtime_, given));
     switch (type) {
       case hostsdk::kFpTypeFloat:
@@ -75,9 +76,19 @@ class InterfaceObject final : public HostObject {
         return hostsdk::FPValue::ofInt(toInteger(runtime_, value.value));
       case hostsdk::kFpTypeBool:
         return hostsdk::FPValue::ofBool(toBoolean(runtime_, value.value));
-      default:
-        return hostsdk::FPValue::ofValue(runtime_.port().publish(value.value));
+      default: {
+        hostsdk::Value* published = runtime_.port().publish(value.value);
+        if (!published->text()) warnOfNoText(name, value.value);
+        return hostsdk::FPValue::ofValue(published);
+      }
     }
+  }
+
+  // What a plug-in is handed as a value it reads as text, and a value without one is empty there.
+  void warnOfNoText(const std::u16string& name, const Value& value) {
+    runtime_.report(u"-- Warning: " + interface_.published().name + u"." + name +
+                    u" takes a text and finds an empty one in: " + script::printed(runtime_, value) +
+                    u"; convert it with \"as string\"\n");
   }
 
   HostValue invoke(const std::u16string& name, hostsdk::FunctionID id, int type, hostsdk::FPParams* parameters) {

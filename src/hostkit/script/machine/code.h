@@ -118,6 +118,7 @@ enum class Op : std::uint16_t {
   // Regions. b: target or kind
   pushTry,
   popTry,
+  endCatch,
   pushContext,
   popContext,
   setTime,
@@ -162,6 +163,7 @@ struct CodeObject : Object {
   Place placeOf(std::size_t instruction) const;
 
   std::u16string name;  // of the function; "" for an anonymous block
+  std::u16string file;  // whose whole content this is; "" for everything else
   std::vector<Instruction> instructions;
   struct Position {
     std::uint32_t source = 0, offset = 0;

@@ -104,6 +104,7 @@ std::int32_t stackEffect(Op op, std::size_t a) {
     case Op::eachNextJump:
     case Op::pushTry:
     case Op::popTry:
+    case Op::endCatch:
     case Op::popContext:
     case Op::setTime:
     case Op::fail:

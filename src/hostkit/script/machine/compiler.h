@@ -33,7 +33,7 @@ class Compiler {
     std::vector<Variable> variables;
     std::int32_t firstImplicit = -1, implicitCount = 0;
   };
-  enum class Region : std::uint8_t { attempt, context };
+  enum class Region : std::uint8_t { attempt, handler, context };
   struct Loop {
     bool wantsValue = false;
     std::int32_t height = 0;

@@ -88,8 +88,19 @@ void Compiler::leave(const UnaryNode* exitNode) {
 }
 
 void Compiler::leaveRegions(std::size_t downTo) {
-  for (std::size_t i = unit_->regions.size(); i > downTo; --i)
-    emit(unit_->regions[i - 1] == Region::attempt ? Op::popTry : Op::popContext);
+  for (std::size_t i = unit_->regions.size(); i > downTo; --i) {
+    switch (unit_->regions[i - 1]) {
+      case Region::attempt:
+        emit(Op::popTry);
+        break;
+      case Region::handler:
+        emit(Op::endCatch);
+        break;
+      case Region::context:
+        emit(Op::popContext);
+        break;
+    }
+  }
 }
 
 // The value is the last round's, undefined when there was none.
@@ -282,7 +293,10 @@ void Compiler::tryCatch(const TryNode& node, bool wanted) {
   const std::size_t done = emit(Op::jump);
   aim(handler);
   unit_->height = height;
+  unit_->regions.push_back(Region::handler);
   compile(*node.handler, wanted);
+  unit_->regions.pop_back();
+  emit(Op::endCatch);
   aim(done);
 }
 

@@ -30,7 +30,7 @@ std::uint64_t stepLimit(const Runtime& runtime) {
 struct Evaluator::Mark {
   std::uintptr_t position = 0;  // in the native stack, which grows to lower addresses
   Value* sp = nullptr;
-  std::size_t frames = 0, handlers = 0, contexts = 0, roots = 0, files = 0;
+  std::size_t frames = 0, handlers = 0, contexts = 0, caught = 0, roots = 0, files = 0;
   int nested = 0;
   PortMark port;
 };
@@ -40,9 +40,9 @@ Evaluator::Stretch::Stretch(Evaluator& evaluator) : evaluator_(evaluator) {
   evaluator.dropAbandoned(position);
   before_ = evaluator.stretches_.size();
   evaluator.stretches_.push_back({position, evaluator.sp_, evaluator.frames_.size(), evaluator.handlers_.size(),
-                                  evaluator.contexts_.size(), evaluator.runtime_.heap().roots(),
-                                  evaluator.runtime_.runningFiles.size(), evaluator.nested_,
-                                  evaluator.runtime_.port().mark()});
+                                  evaluator.contexts_.size(), evaluator.caught_.size(),
+                                  evaluator.runtime_.heap().roots(), evaluator.runtime_.runningFiles.size(),
+                                  evaluator.nested_, evaluator.runtime_.port().mark()});
 }
 
 Evaluator::Stretch::~Stretch() { evaluator_.endStretches(before_); }
@@ -54,6 +54,7 @@ void Evaluator::endStretches(std::size_t count) {
     stretches_.pop_back();
     while (contexts_.size() > mark.contexts) popContext();
     handlers_.resize(mark.handlers);
+    caught_.erase(caught_.begin() + static_cast<std::ptrdiff_t>(mark.caught), caught_.end());
     frames_.resize(mark.frames);
     sp_ = mark.sp;
     nested_ = mark.nested;
@@ -164,15 +165,15 @@ bool Evaluator::handle(ScriptError& error, std::size_t entry) {
   Frame& frame = frames_.back();
   sp_ = frame.operands + handler.height;
   frame.pc = frame.code->instructions.data() + handler.target;
-  currentError_ = error;
-  hasError_ = true;
+  caught_.erase(caught_.begin() + static_cast<std::ptrdiff_t>(handler.caught), caught_.end());
+  caught_.push_back(std::move(error));
   return true;
 }
 
-// Where the error was raised, and, when nobody will catch it, through which calls.
+// Where the error was raised, through which calls, and, when nobody will catch it, with which variables.
 void Evaluator::complete(ScriptError& error) const {
   if (!error.place().source) error.setPlace(place());
-  if (error.stack().empty() && handlers_.empty() && !error.isSyntax()) error.stack() = stackLevels();
+  if (error.stack().empty() && !error.isSyntax()) error.stack() = stackLevels(handlers_.empty());
 }
 
 Place Evaluator::place() const {
@@ -181,7 +182,7 @@ Place Evaluator::place() const {
   return frame.code->placeOf(static_cast<std::size_t>(frame.pc - frame.code->instructions.data()));
 }
 
-std::vector<StackLevel> Evaluator::stackLevels() const {
+std::vector<StackLevel> Evaluator::stackLevels(bool withVariables) const {
   constexpr std::size_t kMaxShown = 20, kMaxVariables = 30;
   std::vector<StackLevel> levels;
   for (auto frame = frames_.rbegin(); frame != frames_.rend() && levels.size() < kMaxShown; ++frame) {
@@ -189,7 +190,7 @@ std::vector<StackLevel> Evaluator::stackLevels() const {
     StackLevel level;
     level.what = code.name.empty() ? u"anonymous codeblock" : code.name + u"()";
     level.place = code.placeOf(static_cast<std::size_t>(frame->pc - code.instructions.data()));
-    for (std::size_t i = 0; i < code.slots && level.variables.size() < kMaxVariables; ++i)
+    for (std::size_t i = 0; withVariables && i < code.slots && level.variables.size() < kMaxVariables; ++i)
       if (!code.slotNames[i].empty())
         level.variables.push_back(code.slotNames[i] + u": " + printed(runtime_, frame->locals[i]).substr(0, 100));
     levels.push_back(std::move(level));

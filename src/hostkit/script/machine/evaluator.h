@@ -46,7 +46,7 @@ class Evaluator {
   Value callMethod(FunctionObject* method, const Value& self);
 
   // The error that the innermost catch is about; null outside.
-  const ScriptError* currentError() const { return hasError_ ? &currentError_ : nullptr; }
+  const ScriptError* currentError() const { return caught_.empty() ? nullptr : &caught_.back(); }
   // Where the script stands; empty when none runs.
   Place place() const;
   bool isRunning() const { return !frames_.empty(); }
@@ -62,7 +62,7 @@ class Evaluator {
     EnvironmentObject* environment = nullptr;  // what functions made here take along
   };
   struct Handler {
-    std::size_t frame = 0, height = 0, contexts = 0;
+    std::size_t frame = 0, height = 0, contexts = 0, caught = 0;
     std::int32_t target = 0;
   };
   struct SavedContext {
@@ -82,7 +82,7 @@ class Evaluator {
   void step();
   bool handle(ScriptError& error, std::size_t entry);
   void complete(ScriptError& error) const;
-  std::vector<StackLevel> stackLevels() const;
+  std::vector<StackLevel> stackLevels(bool withVariables) const;
   void traceRoots(Tracer& tracer) const;
 
   // Calls. The callee and its arguments are on top of the stack; true when a frame was entered, else the result has
@@ -141,8 +141,7 @@ class Evaluator {
   std::vector<Handler> handlers_;
   std::vector<SavedContext> contexts_;
   std::vector<Mark> stretches_;
-  ScriptError currentError_{u""};
-  bool hasError_ = false;
+  std::vector<ScriptError> caught_;  // by the catches that run, the innermost last
   int nested_ = 0;
   std::uint64_t steps_;
 };

@@ -363,10 +363,13 @@ Value Evaluator::dispatch(std::size_t entry) {
         break;
 
       case Op::pushTry:
-        handlers_.push_back({frames_.size() - 1, at.a, contexts_.size(), at.b});
+        handlers_.push_back({frames_.size() - 1, at.a, contexts_.size(), caught_.size(), at.b});
         break;
       case Op::popTry:
         handlers_.pop_back();
+        break;
+      case Op::endCatch:
+        caught_.pop_back();
         break;
       case Op::pushContext:
         pushContext(static_cast<ContextKind>(at.a), sp[-1]);

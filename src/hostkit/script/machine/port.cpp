@@ -115,7 +115,9 @@ hostsdk::StringStream* Port::newStringStream() {
 }
 
 hostsdk::FileStream* Port::newFileStream() { return keep(std::make_unique<FileStreamHandle>(*this, Value())); }
-hostsdk::Parser* Port::newParser(hostsdk::CharStream*) { return keep(std::make_unique<ParserHandle>(*this, Value())); }
+hostsdk::Parser* Port::newParser(hostsdk::CharStream* errors) {
+  return keep(std::make_unique<ParserHandle>(*this, errors));
+}
 
 GlobalObject* Port::findGlobal(hostsdk::Value* name) {
   const auto* text = as<NameObject>(unwrap(name));

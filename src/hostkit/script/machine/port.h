@@ -83,8 +83,12 @@ class FileStreamHandle final : public HandleOf<hostsdk::FileStream> {
 
 class ParserHandle final : public HandleOf<hostsdk::Parser> {
  public:
-  using HandleOf::HandleOf;
+  // `errors` receives what does not compile; null: the listener. The caller keeps it alive.
+  ParserHandle(Port& owner, hostsdk::CharStream* errors) : HandleOf(owner, {}), errors_(errors) {}
   hostsdk::Value* compile_all(hostsdk::CharStream* source) override;
+
+ private:
+  hostsdk::CharStream* errors_;
 };
 
 // Shows what scripts print; lives as long as the runtime.

@@ -15,6 +15,7 @@ constexpr int kByContent = -1, kUtf8 = 65001;
 
 // Runs compiled code; an error is shown by the listener and goes on to whoever asked.
 Value runCode(Runtime& runtime, CodeObject* code) {
+  const RunningFile running(runtime, code->file);
   auto& level = runtime.port().thread_locals().evaluationLevel;
   ++level;
   try {
@@ -43,6 +44,7 @@ typename HandleOf<Base>::ValueKind HandleOf<Base>::kind() const {
 
 template <class Base>
 std::optional<std::u16string> HandleOf<Base>::text() const {
+  if (!as<StringObject>(value) && !as<NameObject>(value)) return std::nullopt;
   return asText(port.runtime(), value);
 }
 
@@ -102,14 +104,17 @@ hostsdk::Value* ParserHandle::compile_all(hostsdk::CharStream* source) {
   if (!text) throwTypeError(u"compile_all requires a stream that can be read");
   const auto origin = std::make_shared<const Source>(Source{text->path(), std::u16string(text->rest())});
   try {
+    const RunningFile running(runtime, origin->name);
     ScriptParser parser(origin, runtime.scriptFinder());
     Tree tree;
     NodeList expressions;
     while (Node* expression = parser.nextExpression(tree)) expressions.push_back(expression);
     if (expressions.empty()) return nullptr;
-    return port.publish(Compiler::compile(runtime, expressions));
+    CodeObject* code = Compiler::compile(runtime, expressions);
+    code->file = origin->name;
+    return port.publish(code);
   } catch (const ScriptError& error) {
-    runtime.report(errorReport(error, u"FileIn"));
+    (errors_ ? *errors_ : port.listener()).puts(errorReport(error, u"FileIn"));
     throw;
   }
 }

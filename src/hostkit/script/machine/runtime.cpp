@@ -21,6 +21,14 @@ bool stressWanted(const EngineOptions& options) {
 
 }  // namespace
 
+RunningFile::RunningFile(Runtime& runtime, const std::u16string& path)
+    : files_(runtime.runningFiles), before_(runtime.runningFiles.size()) {
+  if (!path.empty()) files_.push_back(path);
+}
+RunningFile::~RunningFile() {
+  if (files_.size() > before_) files_.resize(before_);
+}
+
 Runtime::Runtime(HostBindings& host, EngineOptions options, const Library& library)
     : host_(host), options_(std::move(options)), heap_(stressWanted(options_), options_.heapLimit) {
   if (!options_.listener) options_.listener = [](std::u16string_view) {};
@@ -176,14 +184,7 @@ SourceFinder Runtime::scriptFinder() const {
 }
 
 Value Runtime::runSource(const std::shared_ptr<const Source>& source) {
-  const bool isFile = !source->name.empty();
-  if (isFile) runningFiles.push_back(source->name);
-  struct Leave {
-    std::vector<std::u16string>* files;
-    ~Leave() {
-      if (files) files->pop_back();
-    }
-  } const leave{isFile ? &runningFiles : nullptr};
+  const RunningFile running(*this, source->name);
   ScriptParser parser(source, scriptFinder());
   Root result(heap_, Value::ok());
   for (;;) {

@@ -38,6 +38,20 @@ struct CallbackScript {
   bool isFile = false;
 };
 
+// Makes a source the running script for as long as this lives: the one that getThisScriptFilename names and beside
+// which fileIn and include look. A text without a file changes nothing.
+class RunningFile {
+ public:
+  RunningFile(Runtime& runtime, const std::u16string& path);
+  ~RunningFile();
+  RunningFile(const RunningFile&) = delete;
+  RunningFile& operator=(const RunningFile&) = delete;
+
+ private:
+  std::vector<std::u16string>& files_;
+  std::size_t before_;
+};
+
 class Runtime {
  public:
   // `host` is borrowed.
