@@ -4,6 +4,7 @@
 
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 #include "standin/raytracer/buckets.h"
 #include "standin/raytracer/film.h"
@@ -106,7 +107,7 @@ class Renderer::Implementation {
   }
 
   bool render(const FrameRequest& request, const FrameCallbacks& callbacks) {
-    work_.reset();  // of a render whose callback never returned
+    const Attempt attempt(isUnderWay_);
     checkRequest(request, regionOf(request));
     enter(Phase::preparing, callbacks);
     const std::vector<Transform> transforms = scene::worldTransforms(scene_, request.ticks);
@@ -114,14 +115,42 @@ class Renderer::Implementation {
     geometry_.place(scene_, transforms);
     job_ = std::make_unique<FrameJob>(scene_, geometry_, images_, request, transforms, skyReach_);
     enter(Phase::rendering, callbacks);
-    const bool complete = work(callbacks);
-    count(*job_);
-    return complete;
+    return work(callbacks);
   }
 
-  const FrameStatistics& statistics() const { return statistics_; }
+  // Whether a machine fault has ended the last render, on this thread or another.
+  bool isDamaged() const { return isUnderWay_ || (work_ && work_->hasFaulted()); }
+
+  // Of the last render that came to its end.
+  FrameStatistics statistics() const {
+    FrameStatistics counted;
+    counted.lights = static_cast<int>(job_->world.lights.size());
+    counted.objects = static_cast<int>(geometry_.instances().size());
+    for (const Instance& instance : geometry_.instances()) {
+      for (const scene::Primitive& primitive : scene_.meshes[static_cast<std::size_t>(instance.mesh)].primitives) {
+        counted.faces += static_cast<int>(primitive.indices.size() / 3);
+      }
+    }
+    counted.cameraRays = job_->rays.camera;
+    counted.shadowRays = job_->rays.shadow;
+    counted.skyRays = job_->rays.sky;
+    counted.reflectionRays = job_->rays.reflection;
+    return counted;
+  }
 
  private:
+  // Ends with a return and with an exception, not with a jump.
+  class Attempt {
+   public:
+    explicit Attempt(bool& isUnderWay) : isUnderWay_(isUnderWay) { isUnderWay_ = true; }
+    ~Attempt() { isUnderWay_ = false; }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+   private:
+    bool& isUnderWay_;
+  };
+
   static void enter(Phase phase, const FrameCallbacks& callbacks) {
     if (callbacks.onPhase) callbacks.onPhase(phase);
   }
@@ -140,21 +169,6 @@ class Renderer::Implementation {
     return complete;
   }
 
-  void count(const FrameJob& job) {
-    statistics_ = {};
-    statistics_.lights = static_cast<int>(job.world.lights.size());
-    statistics_.objects = static_cast<int>(geometry_.instances().size());
-    for (const Instance& instance : geometry_.instances()) {
-      for (const scene::Primitive& primitive : scene_.meshes[static_cast<std::size_t>(instance.mesh)].primitives) {
-        statistics_.faces += static_cast<int>(primitive.indices.size() / 3);
-      }
-    }
-    statistics_.cameraRays = job.rays.camera;
-    statistics_.shadowRays = job.rays.shadow;
-    statistics_.skyRays = job.rays.sky;
-    statistics_.reflectionRays = job.rays.reflection;
-  }
-
   const scene::Scene& scene_;
   const int threads_;
   tbb::task_arena arena_;
@@ -163,18 +177,21 @@ class Renderer::Implementation {
   float skyReach_ = 0;
   std::unique_ptr<FrameJob> job_;     // the last frame's
   std::unique_ptr<SharedWork> work_;  // on that job
-  FrameStatistics statistics_;
+  bool isUnderWay_ = false;
 };
 
 Renderer::Renderer(const scene::Scene& scene, int threads)
-    : implementation_(std::make_unique<Implementation>(scene, threads)) {}
+    : scene_(scene), threads_(threads), implementation_(std::make_unique<Implementation>(scene, threads)) {}
 
 Renderer::~Renderer() = default;
 
 bool Renderer::render(const FrameRequest& request, const FrameCallbacks& callbacks) {
-  return implementation_->render(request, callbacks);
+  // Out of its place first: should it fault again while it goes, the next call does without it.
+  if (implementation_ && implementation_->isDamaged()) std::exchange(implementation_, nullptr).reset();
+  if (!implementation_) implementation_ = std::make_unique<Implementation>(scene_, threads_);
+  const bool complete = implementation_->render(request, callbacks);
+  statistics_ = implementation_->statistics();
+  return complete;
 }
-
-const FrameStatistics& Renderer::statistics() const { return implementation_->statistics(); }
 
 }  // namespace standin::raytracer

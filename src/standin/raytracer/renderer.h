@@ -32,14 +32,20 @@ class Renderer {
 
   // Renders on this thread and on others; returns when all of them are done. True: every pixel is written. False:
   // aborted, and pixels that were not reached are as before. Throws std::invalid_argument for sizes below 1 or an
-  // output buffer that does not hold the pixels to render, std::runtime_error as the constructor. One call at a time.
+  // output buffer that does not hold the pixels to render, std::runtime_error as the constructor, and with the text of
+  // SharedWork::run after a machine fault on one of the other threads. After such a fault, or one on this thread that
+  // the caller has left by a jump, the next call takes the scene over anew. One call at a time.
   bool render(const FrameRequest& request, const FrameCallbacks& callbacks = {});
 
-  const FrameStatistics& statistics() const;
+  const FrameStatistics& statistics() const { return statistics_; }
 
  private:
   class Implementation;
-  std::unique_ptr<Implementation> implementation_;
+
+  const scene::Scene& scene_;
+  int threads_;
+  std::unique_ptr<Implementation> implementation_;  // null between a fault and the next render, if at all
+  FrameStatistics statistics_;
 };
 
 }  // namespace standin::raytracer

@@ -2,11 +2,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csetjmp>
+#include <tbb/global_control.h>
+
+#include <atomic>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
+#include "platform/fault_guard.h"
 #include "scenes.h"
+#include "standin/raytracer/shared_work.h"
+#include "support/faults.h"
 
 namespace standin::raytracer::testing {
 namespace {
@@ -86,22 +92,64 @@ TEST_F(Progress, ExceptionsOfTheCallerPassThrough) {
   expectRendersAgain();
 }
 
-// A host that traps machine faults leaves the render by a jump, and no destructor runs.
-TEST_F(Progress, RenderTornDownByAJumpIsEndedByTheNext) {
+bool takeFault(void*, const platform::FaultContext&) { return true; }
+
+// Whoever traps a machine fault on the calling thread leaves the render by a jump, and no destructor runs. Of several
+// threads whose pieces fault, the calling one may be told of another's first.
+TEST_F(Progress, AfterAFaultInAPieceTheNextRenderIsWhole) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "what the jump leaves behind is a leak by design";
 #endif
-  static std::jmp_buf back;
-  static FrameCallbacks callbacks;
-  callbacks.onProgress = [](int done, int) -> bool {
-    if (done > 0) std::longjmp(back, 1);
+  FrameRequest faulting = request_;
+  volatile std::uintptr_t nowhere = 0xABCD000000000000;
+  faulting.outputs[0].pixels = reinterpret_cast<float*>(nowhere);
+  for (const int threads : {1, 3}) {
+    SCOPED_TRACE(threads);
+    Renderer renderer(scene_, threads);
+    for (int round = 0; round < 2; ++round) {
+      std::uint32_t code = 0;
+      std::string told;
+      auto render = [&] {
+        try {
+          renderer.render(faulting);
+        } catch (const std::runtime_error& error) {
+          told = error.what();
+        }
+      };
+      code = platform::runGuarded([](void* work) { (*static_cast<decltype(render)*>(work))(); }, &render, takeFault,
+                                  nullptr);
+      EXPECT_TRUE(code == platform::fault::kAccessViolation || told.find("machine fault C0000005") != told.npos)
+          << told;
+      EXPECT_TRUE(threads > 1 || told.empty()) << told;
+      picture_.pixels.assign(picture_.pixels.size(), -1);
+      ASSERT_TRUE(renderer.render(request_));
+      EXPECT_TRUE(picture_.pixels == reference_.pixels);
+    }
+  }
+}
+
+TEST(SharedWork, FaultOnAHelperStopsTheWorkAndIsOneFailureOfTheCaller) {
+  const tbb::global_control twoThreads(tbb::global_control::max_allowed_parallelism, 2);
+  tbb::task_arena arena(2, 1);
+  const auto caller = std::this_thread::get_id();
+  std::atomic<int> callers{0}, helpers{0};
+  SharedWork work(arena, 1000, [&](int) {
+    if (std::this_thread::get_id() != caller) {
+      ++helpers;
+      support::writeToNull();
+    }
+    ++callers;
+    while (helpers == 0) std::this_thread::yield();
+  });
+  const auto untilFaulted = [&](int) {
+    while (!work.hasFaulted()) std::this_thread::yield();
     return true;
   };
-  if (setjmp(back) == 0) {
-    renderer_.render(request_, callbacks);
-    FAIL() << "the render returned";
-  }
-  expectRendersAgain();
+  EXPECT_THAT([&] { work.run(1, untilFaulted); },
+              ::testing::ThrowsMessage<std::runtime_error>(::testing::MatchesRegex(
+                  "Ray tracer: machine fault C0000005 on a helper thread, at .*raytracer\\+[0-9A-F]+")));
+  EXPECT_EQ(helpers, 1);
+  EXPECT_LE(callers, 2);
 }
 
 TEST_F(Progress, RequestsThatCannotBeCarriedOutAreRefused) {
