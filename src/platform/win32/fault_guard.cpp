@@ -59,6 +59,16 @@ class FloatControls {
   std::fenv_t legacy_{};
 };
 
+// What a stack that has run out keeps for the filter: for good, as long as the thread lives. Without it the filter
+// would have less than a page.
+void keepStackForTheFilter() {
+  ULONG size = 0;
+  constexpr ULONG kForTheFilter = 128 * 1024;
+  if (::SetThreadStackGuarantee(&size) == 0 || size >= kForTheFilter) return;  // size is now what was kept so far
+  size = kForTheFilter;
+  (void)::SetThreadStackGuarantee(&size);
+}
+
 struct Guard {
   FaultFilter filter;
   void* state;
@@ -97,6 +107,7 @@ bool readWithinPage(std::uintptr_t address, char* out, std::size_t count) {
 }  // namespace
 
 std::uint32_t runGuarded(void (*work)(void* argument), void* argument, FaultFilter filter, void* state) {
+  keepStackForTheFilter();
   Guard guard{filter, state};
   const ExceptionsUnderWay exceptions;
   const FloatControls floats;

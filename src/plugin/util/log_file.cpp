@@ -46,31 +46,19 @@ void LogLine::flush() {
 }
 
 void LogFile::open(const std::u16string& path) {
-  const std::lock_guard lock(mutex_);
-  if (file_) {
+  if (isOpen()) {
     failed_ = true;
     return;
   }
   file_ = platform::openTextFile(path);
-  unlocked_ = file_.get();
   failed_ = file_ == nullptr;
+  if (file_) turn_ = std::make_unique<std::mutex>();
 }
 
 void LogFile::close() {
-  const std::lock_guard lock(mutex_);
-  unlocked_ = nullptr;
   file_.reset();
+  turn_.reset();
   failed_ = false;
-}
-
-bool LogFile::isOpen() const {
-  const std::lock_guard lock(mutex_);
-  return file_ != nullptr;
-}
-
-bool LogFile::failed() const {
-  const std::lock_guard lock(mutex_);
-  return failed_;
 }
 
 LogLine& LogFile::endl(LogLine& line) {
@@ -80,12 +68,13 @@ LogLine& LogFile::endl(LogLine& line) {
 }
 
 void LogFile::write(std::string_view text) {
-  const std::lock_guard lock(mutex_);
-  if (file_ && !failed_) failed_ = !file_->write(text);
+  if (!file_) return;
+  const std::lock_guard lock(*turn_);
+  if (!failed_) failed_ = !file_->write(text);
 }
 
 void LogFile::writeUnlocked(std::string_view text) noexcept {
-  if (platform::TextFile* const file = unlocked_) (void)file->write(text);
+  if (file_) (void)file_->write(text);
 }
 
 void openLogFile(LogFile& log) {

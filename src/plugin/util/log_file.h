@@ -3,7 +3,8 @@
 //
 //   log_file << "Loading " << fileName << LogFile::endl;
 //
-// Any thread may write: what a statement writes up to a line end reaches the file in one piece.
+// Any thread may write: what a statement writes up to a line end reaches the file in one piece. Opening and closing is
+// for when no other thread uses the log.
 #pragma once
 
 #include <atomic>
@@ -70,9 +71,9 @@ class LogFile {
   // The log is then as before its first open.
   void close();
 
-  bool isOpen() const;
+  bool isOpen() const { return file_ != nullptr; }
   // Set by a failed open or write; writes are then discarded.
-  bool failed() const;
+  bool failed() const { return failed_; }
 
   // Begins a line with its first piece, of any kind that LogLine takes.
   template <class Piece>
@@ -83,17 +84,16 @@ class LogFile {
   static LogLine& endl(LogLine& line);
 
   // For a machine fault's last words: takes no lock and allocates nothing, the system's write is all there is (on
-  // Windows line ends still cost memory). Not while another thread opens or closes the log.
+  // Windows line ends still cost memory).
   void writeUnlocked(std::string_view text) noexcept;
 
  private:
   friend class LogLine;
   void write(std::string_view text);
 
-  mutable std::mutex mutex_;
   std::unique_ptr<platform::TextFile> file_;
-  std::atomic<platform::TextFile*> unlocked_{nullptr};  // the same file
-  bool failed_ = false;
+  std::unique_ptr<std::mutex> turn_;  // of the threads that write; there as long as file_ is
+  std::atomic<bool> failed_{false};
 };
 
 // The process's log. There before any dynamic initialiser runs and never destroyed, so that every static object may
