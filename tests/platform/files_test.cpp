@@ -139,6 +139,18 @@ TEST_F(Files, DeleteRemovesFilesOnly) {
   EXPECT_EQ(files().deleteFile(path(u"missing\\a.exr")), error::kPathNotFound);
 }
 
+TEST_F(Files, AreKnownUnderEveryName) {
+  write("out/a.exr", "pixels");
+  write("out/b.exr", "pixels");
+  const auto isA = [&](const std::u16string& name) { return files().isSameFile(path(name), path(u"out\\a.exr")); };
+  EXPECT_TRUE(isA(u"out\\a.exr"));
+  EXPECT_TRUE(isA(u"out\\.\\..\\out/a.exr"));
+  EXPECT_EQ(isA(u"OUT\\A.exr"), kIsWindows);
+  EXPECT_FALSE(isA(u"out\\b.exr"));
+  EXPECT_FALSE(isA(u"out\\c.exr"));
+  EXPECT_FALSE(files().isSameFile(path(u"out\\a.exr"), path(u"out\\c.exr")));
+}
+
 TEST_F(Files, TextFileIsTruncatedAndUnbuffered) {
   write("out/corvantis.log", "the previous run's lines");
   const std::unique_ptr<TextFile> log = openTextFile(path(u"out\\corvantis.log"));

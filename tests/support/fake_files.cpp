@@ -38,4 +38,8 @@ std::uint32_t FakeFiles::deleteFile(const std::u16string& path) {
   return system_.deleteFile(path);
 }
 
+bool FakeFiles::isSameFile(const std::u16string& path, const std::u16string& file) {
+  return system_.isSameFile(path, file);
+}
+
 }  // namespace support

@@ -28,6 +28,8 @@ class FakeFiles final : public platform::Files {
   std::uint32_t createDirectory(const std::u16string& path) override;
   std::uint32_t copyFile(const std::u16string& source, const std::u16string& destination) override;
   std::uint32_t deleteFile(const std::u16string& path) override;
+  // The real answer, without a line in the log.
+  bool isSameFile(const std::u16string& path, const std::u16string& file) override;
 
  private:
   struct Failure {
@@ -54,6 +56,7 @@ class NoFiles final : public platform::Files {
     return platform::error::kFileNotFound;
   }
   std::uint32_t deleteFile(const std::u16string&) override { return platform::error::kFileNotFound; }
+  bool isSameFile(const std::u16string&, const std::u16string&) override { return false; }
 };
 
 }  // namespace support

@@ -141,6 +141,14 @@ class SystemFiles final : public Files {
     if (const std::uint32_t number = preliminaryError(located); number != error::kSuccess) return number;
     return ::unlink(located.path.c_str()) == 0 ? error::kSuccess : errorAt(located, errno);
   }
+
+  bool isSameFile(const std::u16string& path, const std::u16string& file) override {
+    struct stat one {};
+    struct stat other {};
+    if (::lstat(posix::locate(path).path.c_str(), &one) != 0) return false;
+    if (::stat(posix::locate(file).path.c_str(), &other) != 0) return false;
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+  }
 };
 
 class PosixTextFile final : public TextFile {

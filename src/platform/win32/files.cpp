@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "platform/code_page.h"
 #include "platform/system_layers.h"
@@ -14,6 +15,33 @@ namespace {
 bool isName(const std::u16string& path) { return path.find(u'\0') == std::u16string::npos; }
 
 std::uint32_t outcome(BOOL succeeded) { return succeeded != 0 ? error::kSuccess : ::GetLastError(); }
+
+// Where a file lies on which volume. Two servers may number alike: a time and a size that differ tell such files apart.
+struct FileIdentity {
+  std::uint64_t index;
+  DWORD volume;
+  std::uint64_t size, created, written;
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
+std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
+
+// nullopt also where the file system numbers no files.
+std::optional<FileIdentity> identityOf(const std::u16string& path, DWORD flags) {
+  if (!isName(path)) return std::nullopt;
+  const HANDLE file = ::CreateFileW(win32::wide(path), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, flags | FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+  BY_HANDLE_FILE_INFORMATION found{};
+  const bool known = ::GetFileInformationByHandle(file, &found) != 0;
+  ::CloseHandle(file);
+  const std::uint64_t index = joined(found.nFileIndexHigh, found.nFileIndexLow);
+  if (!known || index == 0) return std::nullopt;
+  return FileIdentity{index, found.dwVolumeSerialNumber, joined(found.nFileSizeHigh, found.nFileSizeLow),
+                      joined(found.ftCreationTime.dwHighDateTime, found.ftCreationTime.dwLowDateTime),
+                      joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime)};
+}
 
 class SystemFiles final : public Files {
  public:
@@ -35,6 +63,11 @@ class SystemFiles final : public Files {
 
   std::uint32_t deleteFile(const std::u16string& path) override {
     return isName(path) ? outcome(::DeleteFileW(win32::wide(path))) : error::kInvalidName;
+  }
+
+  bool isSameFile(const std::u16string& path, const std::u16string& file) override {
+    const auto one = identityOf(path, FILE_FLAG_OPEN_REPARSE_POINT);
+    return one && one == identityOf(file, 0);
   }
 };
 

@@ -122,11 +122,11 @@ void tryWriteJpegOutput(const JobState& job, hostsdk::Bitmap& bitmap, const host
 
 void moveWithRetries(const JobSettings& settings, const std::u16string& source, const std::u16string& destination,
                      win32::simple_socket& connection) {
-  if (normalize_path(source) == normalize_path(destination)) {
+  platform::Files& files = platform::files();
+  if (normalize_path(source) == normalize_path(destination) || files.isSameFile(destination, source)) {
     sendStdoutLine(connection, protocol::notice::kMoved, destination);
     return;
   }
-  platform::Files& files = platform::files();
   files.deleteFile(destination);
 
   const int attempts = settings.useAltOutput ? kAttempts : kAttemptsAtDestination;

@@ -40,7 +40,8 @@ void tryWriteJpegOutput(const JobState& job, hostsdk::Bitmap& bitmap, const host
 // more to names that end in "_alt_0" to "_alt_4". Blocks for up to 15 or 55 seconds by the platform's clock.
 //
 // Throws std::runtime_error "Failed to save " + destination + ": " + the system's last error text; `source` then stays
-// where it is. A file that is to be moved onto itself stays, and counts as saved.
+// where it is. A file that is to be moved onto itself, however that is spelled, stays
+// and counts as saved.
 void moveWithRetries(const JobSettings& settings, const std::u16string& source, const std::u16string& destination,
                      win32::simple_socket& connection);
 

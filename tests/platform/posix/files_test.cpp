@@ -110,5 +110,14 @@ TEST_F(NativeFiles, ErrorNumbersAreThoseOfWindows) {
   EXPECT_EQ(windowsErrorNumber(-1), 31U);
 }
 
+TEST_F(NativeFiles, AFileIsTheSameThroughEveryDriveButALinkIsItself) {
+  folder_.write("projects/a.exr", "pixels");
+  fs::create_directory_symlink(folder_.path("projects"), folder_.path("drives/q:"));
+  fs::create_symlink("a.exr", folder_.path("projects/link.exr"));
+  EXPECT_TRUE(files().isSameFile(u"P:\\a.exr", u"q:\\a.exr"));
+  EXPECT_TRUE(files().isSameFile(u"P:\\a.exr", u"P:\\link.exr"));
+  EXPECT_FALSE(files().isSameFile(u"P:\\link.exr", u"P:\\a.exr")) << "which stays when the link is deleted";
+}
+
 }  // namespace
 }  // namespace platform

@@ -176,6 +176,9 @@ TEST_F(MoveWithRetries, KeepsAFileThatIsToBeMovedOntoItself) {
   EXPECT_EQ(move(at("tmp") + u"/\\a.exr"), "");
   EXPECT_EQ(out.read("tmp/a.exr"), "image");
   EXPECT_EQ(told().back(), R"(Saved image to OUT\tmp/\a.exr)");
+  EXPECT_EQ(move(at("shot/../tmp/./a.exr")), "");
+  EXPECT_EQ(out.read("tmp/a.exr"), "image");
+  EXPECT_EQ(told().back(), R"(Saved image to OUT\shot\..\tmp\.\a.exr)");
 }
 
 class JpegPreview : public FrameFixture {
