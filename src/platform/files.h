@@ -24,12 +24,16 @@ inline constexpr std::uint32_t kSuccess = 0;
 inline constexpr std::uint32_t kFileNotFound = 2;
 inline constexpr std::uint32_t kPathNotFound = 3;
 inline constexpr std::uint32_t kAccessDenied = 5;
+inline constexpr std::uint32_t kInvalidDrive = 15;
+inline constexpr std::uint32_t kNotReady = 21;
 inline constexpr std::uint32_t kSharingViolation = 32;
 inline constexpr std::uint32_t kBadNetPath = 53;
 inline constexpr std::uint32_t kBadNetName = 67;
 inline constexpr std::uint32_t kFileExists = 80;
+inline constexpr std::uint32_t kInvalidParameter = 87;
 inline constexpr std::uint32_t kDiskFull = 112;
 inline constexpr std::uint32_t kInvalidName = 123;
+inline constexpr std::uint32_t kBadPathName = 161;
 inline constexpr std::uint32_t kAlreadyExists = 183;
 }  // namespace error
 
@@ -49,6 +53,10 @@ class Files {
   // none, is there, never a part. On POSIX the copy is made aside and renamed, so the folder must be writable.
   virtual std::uint32_t copyFile(const std::u16string& source, const std::u16string& destination) = 0;
   virtual std::uint32_t deleteFile(const std::u16string& path) = 0;
+  // Whether both names lead to one file, in whatever spelling, through whatever drive or link; a second hard link is
+  // the same file. A link at the end of `path` is itself, not what it leads to: deleting `path` deletes the file only
+  // where this is true. False when either cannot be looked at, or the system cannot tell.
+  virtual bool isSameFile(const std::u16string& path, const std::u16string& file) = 0;
 };
 
 // The file layer in force: the system's own unless a test replaces it by one that fails on demand.
@@ -65,8 +73,8 @@ class FilesReplacement {
   Files* previous_;
 };
 
-// The system's text for a Windows error number, without a trailing line end; empty when there is none. On POSIX the
-// English texts of the numbers that windowsErrorNumber answers stand in, and "" for the rest.
+// The system's text for a Windows error number, without the line ends at its end; empty when there is none. On POSIX
+// the English texts of the numbers that windowsErrorNumber answers stand in, and "" for the rest.
 std::u16string systemErrorText(std::uint32_t errorNumber);
 
 // The native path behind a Windows path (on Windows the path itself in UTF-8), for handing to a library that opens

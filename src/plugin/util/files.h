@@ -10,7 +10,8 @@ namespace corvantis {
 // "file_exists: Could not get the file attributes of \"" + path + "\"".
 bool file_exists(const std::u16string& path);
 
-// Whether a folder exists. False when it is missing or something else; any other failure to look throws
+// Whether a folder exists. False when it is missing or something else, its drive is not there or not ready, its share's
+// server unknown (an unknown share is not), or its name no name; any other failure to look throws
 // std::runtime_error "boost::filesystem::status: " + the system's text + ": \"" + path + "\"".
 bool directory_exists(const std::u16string& path);
 

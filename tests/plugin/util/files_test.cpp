@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
+
 #include "plugin/util/text.h"
 #include "support/fake_files.h"
 #include "support/temporary_folder.h"
@@ -31,12 +33,23 @@ TEST_F(FileHelpers, TellFilesFromFolders) {
   EXPECT_FALSE(directory_exists(folder.wide("missing")));
 }
 
-TEST_F(FileHelpers, TakeFiveErrorsForAnAnswer) {
+// Each by a list of its own; every other error is thrown.
+TEST_F(FileHelpers, TakeSomeErrorsForAnAnswer) {
   const std::u16string file = existing("a.max");
-  for (const std::uint32_t absent : {2U, 3U, 53U, 67U, 123U}) {
-    fake.fail("attributes", "a.max", absent, 2);
-    EXPECT_FALSE(file_exists(file)) << absent;
-    EXPECT_FALSE(directory_exists(file)) << absent;
+  const std::set<std::uint32_t> noFile = {2, 3, 53, 67, 123};
+  const std::set<std::uint32_t> noFolder = {2, 3, 15, 21, 32, 53, 87, 123, 161};
+  for (std::uint32_t number = 1; number < 300; ++number) {
+    fake.fail("attributes", "a.max", number, 2);
+    if (noFile.contains(number)) {
+      EXPECT_FALSE(file_exists(file)) << number;
+    } else {
+      EXPECT_THROW(file_exists(file), std::runtime_error) << number;
+    }
+    if (noFolder.contains(number)) {
+      EXPECT_FALSE(directory_exists(file)) << number;
+    } else {
+      EXPECT_THROW(directory_exists(file), std::runtime_error) << number;
+    }
   }
   EXPECT_TRUE(file_exists(file));
 }
