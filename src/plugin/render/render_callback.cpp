@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cwctype>
+#include <exception>
 #include <utility>
 
 #include "platform/clock.h"
@@ -102,6 +103,8 @@ int CorvantisRenderCallback::Progress(int done, int total) {
   } catch (const win32::simple_socket_error& e) {
     // "excetion" is spelled as the system spells it.
     log_file << "caught simple socket excetion when handling progress: " << e.what() << LogFile::endl;
+  } catch (const std::exception& e) {
+    log_file << "progress could not be reported: " << e.what() << LogFile::endl;
   }
   return 1;
 }

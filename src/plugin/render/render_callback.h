@@ -13,7 +13,8 @@ namespace corvantis {
 // One object a call of the renderer. Titles become lines of the task's log, unless they name the rendering phase itself
 // ("Rendering image", "50%  Rendering", ..., whatever their letter case); progress becomes the task's title and
 // progress bar, at most once a second for all objects of the process together. The renderer is never told to abort.
-// A lost connection does not reach it either.
+// Nor does anything reach it that keeps a report from being sent: a lost connection, a title with an unpaired
+// surrogate. Of a title that is not sent nobody learns, of progress the log has a line.
 class CorvantisRenderCallback : public hostsdk::RendProgressCallback {
  public:
   // `connection` is borrowed and must outlive the object.
@@ -22,8 +23,7 @@ class CorvantisRenderCallback : public hostsdk::RendProgressCallback {
   CorvantisRenderCallback(const CorvantisRenderCallback&) = delete;
   CorvantisRenderCallback& operator=(const CorvantisRenderCallback&) = delete;
 
-  // The host's notifications. A null title counts as an empty one. A title with an unpaired surrogate cannot be sent
-  // as the task's title: Progress then throws utf8::invalid_utf16.
+  // The host's notifications. A null title counts as an empty one.
   void SetTitle(const char16_t* title) override;
   int Progress(int done, int total) override;
 
