@@ -104,13 +104,11 @@ void FakeCore::SetRenderSaveFile(bool save) {
 }
 
 void FakeCore::SetRenderWidth(int width) {
-  calls_.note("SetRenderWidth", std::to_string(width));
-  renderWidth = width;
+  renderWidth = calls_.note("SetRenderWidth", std::to_string(width)).value_or(width);
 }
 
 void FakeCore::SetRenderHeight(int height) {
-  calls_.note("SetRenderHeight", std::to_string(height));
-  renderHeight = height;
+  renderHeight = calls_.note("SetRenderHeight", std::to_string(height)).value_or(height);
 }
 
 hostsdk::Renderer* FakeCore::CurrentRenderer(bool create) {

@@ -88,7 +88,7 @@ class FakeCore : public hostsdk::Interface14 {
   bool RenderSkipExisting() const override { return renderSkipExisting; }
   int RenderWidth() const override { return renderWidth; }
   int RenderHeight() const override { return renderHeight; }
-  void SetRenderWidth(int width) override;
+  void SetRenderWidth(int width) override;  // hook answer: the size that the host takes instead
   void SetRenderHeight(int height) override;
   float RenderPixelAspect() const override { return renderPixelAspect; }
   hostsdk::Renderer* CurrentRenderer(bool create) override;

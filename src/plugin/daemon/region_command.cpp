@@ -66,10 +66,11 @@ std::pair<std::int32_t, std::int32_t> cutAbove(std::int32_t value, std::int32_t 
 
 // The enlarged output in which `region` is as wide as `output` is now, and the window of it to render: scaled at its
 // top left corner, of the present output's size. The horizontal scale serves both axes; every number is cut toward
-// zero. A right that lies left of its left gives an output of negative size, which no renderer opens.
+// zero.
 Blowup blowUp(const Rect& region, OutputSize output) {
   const std::int64_t width = std::int64_t{region.right} - region.left;
   if (width == 0) throw RegionError("Left and Right are equal, so BLOWUP has no scale.");
+  if (width < 0) throw RegionError("Right is less than Left, so BLOWUP would need an output of negative size.");
   const double scale = static_cast<double>(output.width) / static_cast<double>(width);
   Blowup result;
   result.output = {side(output.width * scale), side(output.height * scale)};

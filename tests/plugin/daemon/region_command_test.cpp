@@ -63,8 +63,6 @@ TEST_F(RegionCommand, PadsBlowsUpAndCutsTheRegion) {
       // A sliver of the picture: more than any bitmap holds, though the window is as small as ever.
       {"0,0,0,2,9,BLOWUP", 4, {0, 0, 640, 480}, {}, {204800, 153600}},
       {"0,639,479,640,480,BLOWUP", 4, {408960, 306560, 409600, 307040}, {}, {409600, 307200}},
-      // Mirrored.
-      {"0,100,0,50,10,BLOWUP", 4, {0, 0, -8192, -6144}, {1280, 0, 7552, 6624}, {-8192, -6144}},
       // Less than a pixel.
       {"0,0,0,1000000,10,BLOWUP", 4, {}, {0, 0, 640, 480}, {0, 0}},
       {"0,-2147483648,0,2147483647,10,BLOWUP", 4, {}, {320, 0, 320, 480}, {0, 0}},
@@ -82,6 +80,17 @@ TEST_F(RegionCommand, PadsBlowsUpAndCutsTheRegion) {
     EXPECT_EQ(host.core.renderWidth, c.output.width);
     EXPECT_EQ(host.core.renderHeight, c.output.height);
   }
+}
+
+// It is cut at the size that the host has, whatever was asked for.
+TEST_F(RegionCommand, IsCutAtTheSizeThatTheHostTakes) {
+  host.calls.on("SetRenderWidth", support::answering(800));
+  host.calls.on("SetRenderHeight", support::answering(500));
+  EXPECT_TRUE(runRegion("5,100,50,420,290,BLOWUP", {}, {}));
+  EXPECT_THAT(host.calls.linesOf({"SetRenderWidth", "SetRenderHeight"}),
+              testing::ElementsAre("SetRenderWidth 1280", "SetRenderHeight 960"));
+  EXPECT_EQ(cut(), (Edges{195, 95, 800, 500}));
+  EXPECT_EQ(overs(), (Edges{0, 0, 45, 85}));
 }
 
 TEST_F(RegionCommand, LogsEveryEdgeAndWhatWasCut) {
@@ -110,11 +119,12 @@ TEST_F(RegionCommand, RefusesWhatIsNoRegion) {
       {"1,2,3,4,5000000000,CROP", "Parameter 5, \"5000000000\", is not a valid value for Bottom.", {}},
       {"1,2,3,4,5,crop", "Parameter 6, \"crop\", is not CROP, NOCROP, or BLOWUP.", {}},
       {"0,7,0,7,9,BLOWUP", "Left and Right are equal, so BLOWUP has no scale.", {}},
+      {"0,100,0,50,10,BLOWUP", "Right is less than Left, so BLOWUP would need an output of negative size.", {}},
       {"0,0,0,1,10,BLOWUP", tooLarge, {65536, 480}},  // 4294967296 pixels wide
       {"0,0,0,1,10,BLOWUP", tooLarge, {40000, 65536}},
       {"0,2147483327,0,2147483647,10,BLOWUP", outside, {}},
       {"0,0,-2147483648,320,10,BLOWUP", outside, {}},
-      {"0,2147483647,0,2147483646,9,BLOWUP", outside, {}},
+      {"0,-2147483648,0,-2147483647,9,BLOWUP", outside, {}},
       {"1,-2147483648,0,0,0,CROP", outside, {}},
       {"1,0,-2147483648,0,0,CROP", outside, {}},
       {"1,0,0,2147483647,0,CROP", outside, {}},
