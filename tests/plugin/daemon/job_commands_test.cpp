@@ -76,10 +76,24 @@ TEST_F(JobCommands, StartAndEndReportFailuresBeforeTheyCloseWithSuccess) {
 }
 
 TEST_F(JobCommands, HostErrorsOfTheJobEndTheConversation) {
-  openJob();
-  host.calls.on("ResetScene", support::throwingMax(u"reset"));
-  worker->handshake("token").send("EndJob").expect("ERROR: MAXException caught in 3ds max: reset");
-  EXPECT_FALSE(run());
+  const struct {
+    std::string line;
+    bool open;
+    const char* throwing;
+    std::vector<std::string> before;
+  } cases[] = {{"StartJob,a.max,", false, "IsSceneFile", {}},
+               {"RenderTask,3", true, "SetTime", {"STARTED", "FUNCTION: STDOUT: MaxCorvantis: Render frame 3"}},
+               {"EndJob", true, "ResetScene", {}}};
+  for (const auto& c : cases) {
+    startAfresh();
+    if (c.open) openJob();
+    host.calls.on(c.throwing, support::throwingMax(u"gone"));
+    worker->handshake("token").send(c.line);
+    for (const std::string& message : c.before) worker->expect(message);
+    worker->expect("ERROR: MAXException caught in 3ds max: gone");
+    EXPECT_FALSE(run()) << c.line;
+    EXPECT_EQ(job->jobRunning, c.open) << c.line;
+  }
 }
 
 TEST_F(JobCommands, RenderTaskRendersAndTellsTheResultLast) {
@@ -92,6 +106,37 @@ TEST_F(JobCommands, RenderTaskRendersAndTellsTheResultLast) {
   EXPECT_TRUE(run());
   EXPECT_EQ(job->currentFrame, 4);
   EXPECT_EQ(host.calls.count("CurRendererRenderFrame"), 2);
+}
+
+// A second conversation finds everything as the first has left it.
+TEST_F(JobCommands, AJobOutlivesTheConversation) {
+  const support::TemporaryFolder folder;
+  host.core.renderOutput.SetName(folder.wide("beauty.exr"));
+  worker->handshake("token").send("StartJob,C:\\\\scenes\\\\a.max,").expect(kLoaded).send("FrameNumberBase,100");
+  worker->send("RenderTask,3").expect("STARTED").skipUntil("SUCCESS").close();
+  EXPECT_TRUE(run());
+  worker = std::make_unique<support::ScriptedPeer>();
+  worker->handshake("token").send("StartJob,b.max,").expect("ERROR: StartJob called when job was already running.");
+  worker->expect(kLoaded).send("FrameNumberBase,200").send("RenderTask,4").expect("STARTED").skipUntil("SUCCESS");
+  worker->send("EndJob").expect("SUCCESS").close();
+  EXPECT_TRUE(run());
+  EXPECT_THAT(
+      host.calls.linesOf({"LoadFromFile", "OpenCurRenderer", "CloseCurRenderer", "ResetScene"}),
+      ElementsAre(StartsWith("LoadFromFile"), StartsWith("OpenCurRenderer"), "CloseCurRenderer", "ResetScene 1"));
+  EXPECT_THAT(host.bitmaps.written, ElementsAre(Field(&support::WrittenImage::name, folder.wide("beauty0103.exr")),
+                                                Field(&support::WrittenImage::name, folder.wide("beauty0204.exr"))));
+}
+
+// What the renderer tells is not worth a frame.
+TEST_F(JobCommands, ARendererWhoseTitleIsNoTextRendersOn) {
+  const support::TemporaryFolder folder;
+  host.core.renderOutput.SetName(folder.wide("beauty.exr"));
+  host.core.progress = {{u"broken \xd800", 10, 100}};
+  clock.setTickCount(3'500'000'000U);  // a report is due
+  openJob();
+  worker->handshake("token").send("RenderTask,3").expect("STARTED").skipUntil("SUCCESS").close();
+  EXPECT_TRUE(run());
+  EXPECT_THAT(log.lines(), Contains("progress could not be reported: Invalid UTF-16"));
 }
 
 TEST_F(JobCommands, RenderTaskReportsFailuresBeforeItsResultAndTheProcessGoesOn) {

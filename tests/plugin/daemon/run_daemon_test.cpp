@@ -3,12 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
 #include <regex>
 #include <stdexcept>
 
 #include "platform/environment.h"
 #include "support/daemon_fixture.h"
+#include "support/platform_kind.h"
+#include "support/socket_errors.h"
 
 namespace corvantis {
 namespace {
@@ -47,11 +50,23 @@ TEST_F(RunDaemon, RefusesEveryOtherHandshake) {
   EXPECT_THAT(clock.sleeps(), ElementsAre(150, 150, 150, 150));
 }
 
+// The time-out is that of the whole message, however it is spread.
 TEST_F(RunDaemon, ASilentHandshakeTimesOutAndLeavesTheConnectionOpen) {
-  worker->expect("token").letTimePass(clock, 120000);
-  worker->expect("ERROR: Exception caught in 3ds max: simple_socket: Timed out waiting for header packet to arrive.");
-  EXPECT_FALSE(run());
-  EXPECT_TRUE(connection->isConnected());
+  using namespace std::string_literals;
+  const std::pair<std::function<void()>, std::string> cases[] = {
+      {[&] { worker->letTimePass(clock, 120000); }, "header packet to arrive."},
+      {[&] { worker->letTimePass(clock, 60000).letTimePass(clock, 60000); }, "header packet to arrive."},
+      {[&] { worker->letTimePass(clock, 60000).sendRaw("\0\0"s).letTimePass(clock, 60000); }, "data."},
+      {[&] { worker->stallAfterHeader(15).letTimePass(clock, 119999).sendRaw("Tess").letTimePass(clock, 1); }, "data."},
+  };
+  for (const auto& [wait, text] : cases) {
+    startAfresh();
+    worker->expect("token");
+    wait();
+    worker->expect("ERROR: Exception caught in 3ds max: simple_socket: Timed out waiting for " + text);
+    EXPECT_FALSE(run());
+    EXPECT_TRUE(connection->isConnected());
+  }
   // Whatever the number: this is found out before it is looked at.
   EXPECT_FALSE(RunCorvantisDaemon(*job, *connection, running, 70000, u"token"));
   EXPECT_EQ(log.lines().back(), "Exception: simple_socket::connect: Already connected.");
@@ -114,6 +129,8 @@ TEST_F(RunDaemon, ReportsEveryKindOfExceptionByItsType) {
        "Unknown exception caught"},
       {[](auto&) -> Value* { throw hostsdk::RuntimeError(u"bad"); },
        "Exception caught in 3ds max: -- Runtime error: bad", "Exception: -- Runtime error: bad"},
+      {[&](auto&) { return scripts.newString(u"no text: \xd800"); }, "Exception caught in 3ds max: Invalid UTF-16",
+       "Exception: Invalid UTF-16"},
   };
   for (const auto& c : cases) {
     EXPECT_FALSE(runScript(c.script, "ERROR: " + c.reply));
@@ -142,13 +159,30 @@ TEST_F(RunDaemon, SurvivesAFaultInACommandAndCanRunAgain) {
   runLines({{"Nonsense", "ERROR: Unexpected command \"Nonsense\" received."}});
 }
 
-TEST_F(RunDaemon, AbandonsACommandWhoseWaitTimedOut) {
-  scripts.evaluation = [](const std::u16string&) -> hostsdk::Value* {
-    throw win32::simple_socket_timeout_error("inside");
-  };
-  worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
-  worker->send("Nonsense").expect("ERROR: Unexpected command \"Nonsense\" received.").close();
-  EXPECT_TRUE(run());
+// Whatever socket it was that the command lost: the worker's stands.
+TEST_F(RunDaemon, AbandonsACommandWhoseWaitFailed) {
+  const support::FakeScriptRuntime::Evaluation evaluations[] = {
+      [](auto&) -> hostsdk::Value* { throw win32::simple_socket_timeout_error("inside"); },
+      [](auto&) -> hostsdk::Value* { throw win32::simple_socket_disconnect_error("inside"); }};
+  for (const auto& evaluation : evaluations) {
+    startAfresh();
+    scripts.evaluation = evaluation;
+    worker->handshake("token").send("ExecuteStringScript,1,x").expect("STARTED");
+    worker->send("Nonsense").expect("ERROR: Unexpected command \"Nonsense\" received.").close();
+    EXPECT_TRUE(run());
+  }
+}
+
+TEST_F(RunDaemon, EndsBadlyWhenTheConnectionBreaks) {
+  worker->handshake("token").reset();
+  worker->start();
+  const bool result = RunCorvantisDaemon(*job, *connection, running, worker->port(), u"token");
+  worker->finish();
+  EXPECT_FALSE(connection->isConnected() || running);
+  if (support::runsUnderWine()) return;  // where a connection that is broken off looks like one that has ended
+  EXPECT_FALSE(result);
+  EXPECT_EQ(log.lines().back(), "Exception: recv: socket error trying to receive data: WSAError code " +
+                                    std::to_string(support::kConnectionReset));
 }
 
 TEST_F(RunDaemon, PassesOnTheFailureToReport) {

@@ -79,9 +79,10 @@ TEST_F(StartOfJob, ASecondOneIsRefusedButResetsTheSettings) {
   job.settings.frameNumberBase = 100;
   job.settings.failOnBlackFrames = true;
   job.isRendererB = true;
+  job.rendererOpen = true;
   host.calls.clear();
   EXPECT_EQ(start(), "StartJob called when job was already running.");
-  EXPECT_TRUE(job.jobRunning);
+  EXPECT_TRUE(job.jobRunning && job.rendererOpen);
   EXPECT_EQ(job.settings.frameNumberBase, 0);
   EXPECT_FALSE(job.settings.failOnBlackFrames);
   EXPECT_FALSE(job.isRendererB);
