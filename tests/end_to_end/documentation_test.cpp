@@ -51,10 +51,9 @@ class TessarynUtilPage : public testing::Test {
     for (const Block& block : blocksOf(page)) {
       if (block.language == "json") job_ = block.text;
       if (block.language != "maxscript") continue;
-      // A file a stage; each block keeps its locals to itself. The last value of a script must not be false.
-      std::string& script = stages_[block.text.substr(3, block.text.find_first_of(":\n") - 3)];
-      script += "(\n" + block.text + ")\nok\n";
+      stages_[block.text.substr(3, block.text.find_first_of(":\n") - 3)] += block.text;
     }
+    for (auto& [stage, script] : stages_) script += "ok\n";
     folder_.write(
         "scene.gltf",
         support::smallScene(R"("frameRate":24,"render":{"width":32,"height":24,"samples":1,"output":"own.exr"})"));
@@ -67,7 +66,7 @@ class TessarynUtilPage : public testing::Test {
 
   support::TemporaryFolder folder_;
   std::string job_;
-  std::map<std::string, std::string> stages_;  // by what the first line of their blocks says
+  std::map<std::string, std::string> stages_;  // by what the first line of their blocks says: these as printed
 };
 
 TEST_F(TessarynUtilPage, LogsWhatItSaysInTheJobThatItShows) {

@@ -173,6 +173,13 @@ TEST_F(RunDaemon, AbandonsACommandWhoseWaitFailed) {
   }
 }
 
+TEST_F(RunDaemon, EndsBadlyWhenTheWorkerClosesInTheHandshake) {
+  worker->expect("token").close();
+  EXPECT_FALSE(run());
+  EXPECT_FALSE(connection->isConnected());
+  EXPECT_EQ(log.lines().back(), "Exception: simple_socket::receive: socket was disconnected while reading header.");
+}
+
 TEST_F(RunDaemon, EndsBadlyWhenTheConnectionBreaks) {
   worker->handshake("token").reset();
   worker->start();
