@@ -146,12 +146,12 @@ class HostLink::Implementation {
       case EventLoop::Outcome::stopped:
         throw HostFailure(kInterrupted);
       case EventLoop::Outcome::expired:
-        throw HostFailure(lost(fmt::format("The host did not {} within {:.0f} seconds", what,
+        throw HostFailure(told(fmt::format("The host did not {} within {:.0f} seconds", what,
                                            std::chrono::duration<double>(options_.silence).count())));
     }
   }
 
-  // The reason, how the host ended if it did, and what it said last.
+  // The reason and how the host ended, if it does.
   std::string lost(std::string reason) {
     loop_.runUntil([this] { return process_->hasExited() || process_->isGone(); }, kEndAfterLoss);
     const std::string end = process_->end();
@@ -159,9 +159,14 @@ class HostLink::Implementation {
       reason += "; the host " + end;
       process_->awaitOutput(kEndAfterLoss);
     }
+    return told(std::move(reason));
+  }
+
+  // The reason and what the host said last.
+  std::string told(std::string reason) {
     const auto skipped = static_cast<std::ptrdiff_t>(lastLines_.size() - std::min(lastLines_.size(), kToldLines));
-    const std::vector<std::string> told(std::next(lastLines_.begin(), skipped), lastLines_.end());
-    if (!told.empty()) reason += fmt::format("; it last said:\n  {}", fmt::join(told, "\n  "));
+    const std::vector<std::string> lines(std::next(lastLines_.begin(), skipped), lastLines_.end());
+    if (!lines.empty()) reason += fmt::format("; it last said:\n  {}", fmt::join(lines, "\n  "));
     return reason;
   }
 

@@ -140,8 +140,7 @@ TEST(Session, EveryWayAJobCanGoWrong) {
     const Job& job;
     std::string steps, outcome;
   } cases[] = {
-      {one, ">TessarynStartup|<Hello",
-       "lost: Expected \"Corvantis \" and a version from the plug-in, got \"Hello\""},
+      {one, ">TessarynStartup|<Hello", "lost: Expected \"Corvantis \" and a version from the plug-in, got \"Hello\""},
       {one, ">TessarynStartup|!it died", "lost: it died"},
       {wordy, greeted, "refused: The command TempFolder is 100011 bytes long; a plug-in takes at most 100000"},
       {one, asked + "<ERROR: Invalid max file: \"a\"|<SUCCESS Scene loaded successfully",

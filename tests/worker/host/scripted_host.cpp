@@ -2,13 +2,14 @@
 //
 //   come            reads the start-up script, connects, shakes hands
 //   guest:KIND      someone else connects and stays: silent, half, wrong, huge, web, gone; a number: so many silent
-//   ones serve:MESSAGE   answers as a good host does until MESSAGE has come; "serve" alone until the connection ends
+//   ones serve:MESSAGE   answers as a good host until a message that begins so; "serve" alone until the connection ends
 //   say:TEXT        sends a message, "_" for a blank
 //   raw:KIND        sends what is no message: huge
 //   print:TEXT      a line of its own output, "_" for a blank
 //   flood:KIND      much output: line (without an end), bars, lines
 //   show:WHAT       a line with facts: handles, folder (its TMP), mode (the permissions of script and folder)
-//   alive:PIPE      opens the named pipe, writes a line to it and holds it while anything of this host runs
+//   hold:PIPE       opens the named pipe, which stays open while anything of this host runs
+//   ready           writes a line to that pipe
 //   fork, detach, launch   goes on with a child that stalls; with one in a session of its own; in the child, and ends
 //   fault:SIGNAL, exit:CODE, stall
 #include <fcntl.h>
@@ -32,6 +33,7 @@ namespace {
 
 const char* script = nullptr;
 platform::SocketHandle worker = platform::kInvalidSocket;
+int pipe = -1;
 
 struct Start {
   std::uint16_t port = 0;
@@ -93,7 +95,7 @@ void come() {
 void serve(const std::string& last) {
   for (;;) {
     const std::string command = hear();
-    if (command == last) return;
+    if (!last.empty() && command.starts_with(last)) return;
     const bool renders = command.starts_with("RenderTask");
     if (renders) say("STARTED");
     if (renders || command.starts_with("StartJob") || command.starts_with("Execute") || command == "EndJob")
@@ -138,11 +140,6 @@ std::string facts(const std::string& what) {
   return text.str();
 }
 
-void announce(const std::string& pipe) {
-  const int handle = ::open(pipe.c_str(), O_WRONLY);  // for good
-  (void)!::write(handle, "ready\n", 6);
-}
-
 [[noreturn]] void stall() {
   for (;;) ::pause();
 }
@@ -162,7 +159,8 @@ void follow(const std::string& order) {
   if (word == "print") std::cout << text << std::endl;
   if (word == "flood") flood(text);
   if (word == "show") std::cout << facts(text) << std::endl;
-  if (word == "alive") announce(text);
+  if (word == "hold") pipe = ::open(text.c_str(), O_WRONLY);
+  if (word == "ready") (void)!::write(pipe, "ready\n", 6);
   if (word == "fork" && ::fork() == 0) stall();
   if (word == "detach" && ::fork() == 0) {
     ::setsid();
