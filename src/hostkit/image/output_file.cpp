@@ -1,32 +1,34 @@
 #include "hostkit/image/output_file.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <mutex>
+#include <set>
 #include <stdexcept>
 
-#include "platform/environment.h"
+#include "platform/process/aside_name.h"
 
 namespace hostkit::image {
 namespace fs = std::filesystem;
 namespace {
 
-// A hidden name beside the destination that no other writer uses.
-std::string asideName(const fs::path& path) {
-  static std::atomic<unsigned> counter{0};
-  return (path.parent_path() / ("." + path.filename().string() + "." + std::to_string(platform::currentThreadId()) +
-                                "-" + std::to_string(counter++) + ".part"))
-      .string();
+// What killed processes have left in a folder goes when this process first writes there.
+void sweepOnce(const std::string& folder) {
+  static std::mutex mutex;
+  static std::set<std::string> swept;
+  const std::lock_guard lock(mutex);
+  if (swept.insert(folder).second) platform::sweepAside(folder);
 }
 
 std::string reason() { return std::strerror(errno); }
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& nativePath) : path_(nativePath), aside_(asideName(nativePath)) {
+OutputFile::OutputFile(const std::string& nativePath) : path_(nativePath), aside_(platform::asideName(nativePath)) {
   std::error_code ignored;
   if (fs::is_directory(path_, ignored)) throw std::runtime_error("Cannot write " + path_ + ": it is a folder");
+  sweepOnce(fs::path(path_).parent_path().string());
   errno = 0;
   stream_.open(aside_, std::ios::binary | std::ios::trunc);
   if (!stream_) throw std::runtime_error("Cannot write " + path_ + ": " + reason());

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -10,6 +13,7 @@
 #include <vector>
 
 #include "hostkit/image/bitmap_manager.h"
+#include "hostkit/image/output_file.h"
 #include "support/build_folders.h"
 #include "support/temporary_folder.h"
 
@@ -171,6 +175,28 @@ TEST_F(BitmapFiles, AnOutputThatIsNeverWrittenLeavesTheOldFileAlone) {
   }
   EXPECT_EQ(folder_.read("a.exr"), "old");
   EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(BitmapFiles, WhatAKilledProcessLeftGoesWithTheNextFileInItsFolder) {
+  const pid_t killed = ::fork();
+  if (killed == 0) {
+    const OutputFile left(folder_.path("a0001.exr"));
+    std::raise(SIGKILL);
+  }
+  ::waitpid(killed, nullptr, 0);
+  ASSERT_EQ(filesInFolder(), 1U);
+  folder_.write(".a0001.exr.99999999-1-12345678.part", "another machine's, of today");
+  folder_.write(".a0001.exr.99999999-1-87654321.part", "another machine's, long ago");
+  using std::filesystem::file_time_type;
+  std::filesystem::last_write_time(folder_.path(".a0001.exr.99999999-1-87654321.part"),
+                                   file_time_type::clock::now() - std::chrono::hours(25));
+  folder_.write(".notes.part", "somebody's");
+  {
+    const OutputFile first(folder_.path("a0002.exr")), second(folder_.path("a0002.exr"));
+    const OutputFile longest(folder_.path(std::string(251, 'n') + ".exr"));
+    EXPECT_EQ(filesInFolder(), 5U) << "three of its own, of different names, and two of others";
+  }
+  EXPECT_TRUE(folder_.exists(".a0001.exr.99999999-1-12345678.part") && folder_.exists(".notes.part"));
 }
 
 // Files of this process may not grow beyond a few bytes while one lives: what a full disk looks like to a writer.
