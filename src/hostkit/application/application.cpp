@@ -27,8 +27,10 @@ Application::~Application() = default;
 
 void Application::listen(const std::string& line) { print(fromUtf8(line) + u"\n"); }
 
-void Application::join(hostsdk::Interface14& core, script::HostBindings& bindings) {
+void Application::join(hostsdk::Interface14& core, script::HostBindings& bindings,
+                       std::vector<std::u16string> scriptFolders) {
   script::EngineOptions options;
+  options.scriptFolders = std::move(scriptFolders);
   options.listener = print;
   scripts_ = std::make_unique<script::Engine>(bindings, std::move(options));
   hostsdk::HostServices services;
@@ -47,7 +49,9 @@ void Application::part() {
   scripts_.reset();
 }
 
-void Application::notify(const char* event) { scripts_->fireNotification(fromUtf8(event), script::HostValue{}); }
+void Application::notify(const char* event, const script::HostValue& parameter) {
+  scripts_->fireNotification(fromUtf8(event), parameter);
+}
 
 void Application::loadPlugin(const std::string& nativePath) {
   plugin_ = std::make_unique<services::PluginLibrary>(nativePath);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "hostkit/image/bitmap_manager.h"
 #include "hostkit/codec/image_codec_library.h"
@@ -34,14 +35,16 @@ class Application {
   void listen(const std::string& line);
 
   // Makes the script engine and binds all of it as the process's host. `core` and `bindings` are borrowed until part().
-  void join(hostsdk::Interface14& core, script::HostBindings& bindings);
+  // Scripts are also looked for in `scriptFolders` (Windows paths).
+  void join(hostsdk::Interface14& core, script::HostBindings& bindings, std::vector<std::u16string> scriptFolders = {});
   // Unloads the plug-in, gives the process back the host that it had before, and ends the script engine.
   void part();
 
   // Between join() and part():
   script::Engine& scripts() { return *scripts_; }
-  // Runs the scripts that wait for something to happen: "filePostOpen", "preRender", ...
-  void notify(const char* event);
+  // Runs the scripts that wait for something to happen: "filePostOpen", "preRender", ...; `parameter` is what they are
+  // told of it.
+  void notify(const char* event, const script::HostValue& parameter);
   // std::runtime_error as PluginLibrary tells.
   void loadPlugin(const std::string& nativePath);
 

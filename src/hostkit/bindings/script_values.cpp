@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "hostkit/script/syntax/errors.h"
 #include "hostkit/text/utf8.h"
 #include "hostsdk/script_value.h"
 
@@ -13,14 +14,14 @@ namespace {
 
 using script::HostValue;
 
-[[noreturn]] void refuse(const char16_t* what, const std::u16string& type) {
-  throw hostsdk::RuntimeError(std::u16string(what) + u" requires " + type);
+[[noreturn]] void refuse(const HostValue& value, const char16_t* what, const std::u16string& type) {
+  throw script::WrongValue{what, type, value};
 }
 
 template <class Kind>
 const Kind& require(const HostValue& value, const char16_t* what, const char16_t* type) {
   if (const auto* held = std::get_if<Kind>(&value)) return *held;
-  refuse(what, type);
+  refuse(value, what, type);
 }
 
 std::u16string digits(std::int64_t number) { return fromUtf8(std::to_string(number)); }
@@ -33,9 +34,9 @@ std::optional<double> number(const HostValue& value) {
   return std::nullopt;
 }
 
-std::int32_t rounded(double value, const char16_t* what) {
+std::int32_t rounded(const HostValue& given, double value, const char16_t* what) {
   if (!(value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max()))
-    refuse(what, u"a 32-bit Integer");
+    refuse(given, what, u"a 32-bit Integer");
   return static_cast<std::int32_t>(value);
 }
 
@@ -45,19 +46,19 @@ bool asBoolean(const HostValue& value, const char16_t* what) { return require<bo
 
 std::int32_t asInteger(const HostValue& value, const char16_t* what) {
   const auto n = number(value);
-  if (!n) refuse(what, u"Integer");
-  return rounded(*n, what);
+  if (!n) refuse(value, what, u"Integer");
+  return rounded(value, *n, what);
 }
 
 std::int32_t asInteger(const HostValue& value, const char16_t* what, std::int32_t lowest, std::int32_t highest) {
   const std::int32_t n = asInteger(value, what);
-  if (n < lowest || n > highest) refuse(what, u"an Integer from " + digits(lowest) + u" to " + digits(highest));
+  if (n < lowest || n > highest) refuse(value, what, u"an Integer from " + digits(lowest) + u" to " + digits(highest));
   return n;
 }
 
 float asFloat(const HostValue& value, const char16_t* what) {
   const auto n = number(value);
-  if (!n) refuse(what, u"Float");
+  if (!n) refuse(value, what, u"Float");
   return static_cast<float>(*n);
 }
 
@@ -99,8 +100,8 @@ std::u16string asText(const HostValue& value, const char16_t* what) {
 std::int32_t asTime(const HostValue& value, int ticksPerFrame, const char16_t* what) {
   if (const auto* time = std::get_if<script::HostTime>(&value)) return time->ticks;
   const auto n = number(value);
-  if (!n) refuse(what, u"Time");
-  return rounded(std::round(*n * ticksPerFrame), what);
+  if (!n) refuse(value, what, u"Time");
+  return rounded(value, std::round(*n * ticksPerFrame), what);
 }
 
 bool isNamed(std::u16string_view shown, std::u16string_view lowerCase) {
@@ -110,8 +111,7 @@ bool isNamed(std::u16string_view shown, std::u16string_view lowerCase) {
 }
 
 void refuseCount(const char16_t* function, int wanted, std::size_t got) {
-  throw hostsdk::RuntimeError(std::u16string(u"Argument count error: ") + function + u" wanted " + digits(wanted) +
-                              u", got " + digits(static_cast<std::int64_t>(got)));
+  script::throwArgumentCount(function, static_cast<std::size_t>(wanted), got);
 }
 
 void refuseIndex(const char16_t* what, std::int32_t index) {

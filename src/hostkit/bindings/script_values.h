@@ -1,4 +1,4 @@
-// Reading what scripts hand to a host. Each function throws hostsdk::RuntimeError when the value is of another kind;
+// Reading what scripts hand to a host. Each function throws script::WrongValue when the value is of another kind;
 // `what` names it there.
 #pragma once
 
@@ -32,7 +32,7 @@ std::int32_t asTime(const script::HostValue& value, int ticksPerFrame, const cha
 // Whether a name as it is shown is this one in lower case; ASCII letters alone have two cases.
 bool isNamed(std::u16string_view shown, std::u16string_view lowerCase);
 
-// Throws hostsdk::RuntimeError: "Argument count error: f wanted 1, got 2".
+// Throws the script's error "-- Argument count error: f wanted 1, got 2".
 [[noreturn]] void refuseCount(const char16_t* function, int wanted, std::size_t got);
 // Throws hostsdk::RuntimeError: "Viewport index is out of range: 7".
 [[noreturn]] void refuseIndex(const char16_t* what, std::int32_t index);

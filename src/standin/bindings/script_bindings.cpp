@@ -77,30 +77,34 @@ constexpr hostkit::bindings::Property<B> kGlobals[] = {
 };
 
 HostValue loadMaxFile(B& b, const Arguments& arguments) {
-  if (arguments.size() != 1) throw hostsdk::RuntimeError(u"loadMaxFile requires the name of a scene file");
   const std::u16string path = asText(arguments[0], u"loadMaxFile");
   return b.core().IsSceneFile(path) && b.core().LoadFromFile(path, 0);
 }
 
 HostValue setRenderType(B& b, const Arguments& arguments) {
-  if (arguments.size() != 1) throw hostsdk::RuntimeError(u"setRenderType requires the name of a render type");
   b.renderType() = asText(arguments[0], u"setRenderType");
   return HostOk{};
 }
 
 constexpr hostkit::bindings::Function<B> kFunctions[] = {
-    {u"loadMaxFile", kAnyCount, loadMaxFile},
+    {u"loadMaxFile", 1, loadMaxFile},
     {u"resetMaxFile", kAnyCount,
      [](B& b, const Arguments&) -> HostValue {
        b.core().ResetScene(1);
        return HostOk{};
      }},
-    {u"getRenderType", kAnyCount,
+    {u"getRenderType", 0,
      [](B& b, const Arguments&) -> HostValue { return hostkit::script::HostName{b.renderType()}; }},
-    {u"setRenderType", kAnyCount, setRenderType},
+    {u"setRenderType", 1, setRenderType},
 };
 
 }  // namespace
+
+HostValue eventParameter(const host::EventParameter& parameter) {
+  if (const auto* path = std::get_if<std::u16string>(&parameter)) return *path;
+  if (const auto* time = std::get_if<hostsdk::TimeValue>(&parameter)) return HostTime{*time};
+  return {};
+}
 
 ScriptBindings::ScriptBindings(host::Core& core, std::function<void(const std::string&)> log)
     : core_(core), log_(std::move(log)) {}

@@ -12,6 +12,9 @@
 
 namespace standin::bindings {
 
+// What callbacks.notificationParam() answers for it: the path, the frame's time, or undefined.
+hostkit::script::HostValue eventParameter(const host::EventParameter& parameter);
+
 class ScriptBindings : public hostkit::bindings::TableObject<ScriptBindings, hostkit::script::HostBindings> {
  public:
   // `core` is borrowed.

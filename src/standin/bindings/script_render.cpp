@@ -107,7 +107,7 @@ class ElementManager : public SceneObject<ElementManager> {
   static std::span<const Function<ElementManager>> functions() {
     using E = ElementManager;
     static constexpr Function<E> kTable[] = {
-        {u"NumRenderElements", kAnyCount,
+        {u"NumRenderElements", 0,
          [](E& e, const Arguments&) -> HostValue { return e.core().live().NumRenderElements(); }},
         {u"GetRenderElement", 1,
          [](E& e, const Arguments& a) -> HostValue { return std::make_shared<Element>(e.core(), e.index(a[0])); }},
@@ -118,8 +118,7 @@ class ElementManager : public SceneObject<ElementManager> {
            e.output(a[0]).info.SetName(asText(a[1], u"SetRenderElementFilename"));
            return true;
          }},
-        {u"GetElementsActive", kAnyCount,
-         [](E& e, const Arguments&) -> HostValue { return e.core().live().ElementsActive(); }},
+        {u"GetElementsActive", 0, [](E& e, const Arguments&) -> HostValue { return e.core().live().ElementsActive(); }},
         {u"SetElementsActive", 1,
          [](E& e, const Arguments& a) -> HostValue {
            e.scene().render.elementsActive = asBoolean(a[0], u"SetElementsActive");
@@ -146,7 +145,7 @@ class MaxOps : public SceneObject<MaxOps> {
 
   static std::span<const Function<MaxOps>> functions() {
     static constexpr Function<MaxOps> kTable[] = {
-        {u"GetCurRenderElementMgr", kAnyCount,
+        {u"GetCurRenderElementMgr", 0,
          [](MaxOps& m, const Arguments&) -> HostValue { return std::make_shared<ElementManager>(m.core()); }},
     };
     return kTable;
@@ -170,9 +169,9 @@ class Viewports : public SceneObject<Viewports> {
   static std::span<const Function<Viewports>> functions() {
     constexpr auto accept = [](Viewports&, const Arguments&) -> HostValue { return true; };
     static constexpr Function<Viewports> kTable[] = {
-        {u"getCamera", kAnyCount, [](Viewports& v, const Arguments&) { return v.cameraNode(); }},
-        {u"setCamera", kAnyCount, [](Viewports& v, const Arguments& a) { return v.setCamera(a); }},
-        {u"getType", kAnyCount,
+        {u"getCamera", 0, [](Viewports& v, const Arguments&) { return v.cameraNode(); }},
+        {u"setCamera", 1, [](Viewports& v, const Arguments& a) { return v.setCamera(a); }},
+        {u"getType", 0,
          [](Viewports& v, const Arguments&) -> HostValue {
            return hostkit::script::HostName{v.active().camera.empty() ? u"view_persp_user" : u"view_camera"};
          }},
@@ -201,9 +200,9 @@ class Viewports : public SceneObject<Viewports> {
     return scriptNode(core(), static_cast<int>(found - nodes.begin()));
   }
   HostValue setCamera(const Arguments& arguments) {
-    const auto* node = arguments.size() == 1 ? std::get_if<std::shared_ptr<HostObject>>(&arguments[0]) : nullptr;
+    const auto* node = std::get_if<std::shared_ptr<HostObject>>(&arguments[0]);
     if (!node || (*node)->superClassName() != u"camera")
-      throw hostsdk::RuntimeError(u"viewport.setCamera requires a camera");
+      throw hostkit::script::WrongValue{u"viewport.setCamera", u"a camera", arguments[0]};
     active().camera = toUtf8(asText((*node)->get(u"name").value_or(HostValue{}), u"name"));
     return true;
   }

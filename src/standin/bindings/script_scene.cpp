@@ -59,23 +59,18 @@ class LayerManager : public SceneObject<LayerManager> {
     return kTable;
   }
   static std::span<const Function<LayerManager>> functions() {
-    using hostkit::bindings::kAnyCount;
     static constexpr Function<LayerManager> kTable[] = {
-        {u"getLayer", kAnyCount,
-         [](LayerManager& m, const Arguments& a) { return m.layerIf(asInteger(wanted(a), u"getLayer") == 0); }},
-        {u"getLayerFromName", kAnyCount,
+        {u"getLayer", 1,
+         [](LayerManager& m, const Arguments& a) { return m.layerIf(asInteger(a[0], u"getLayer") == 0); }},
+        {u"getLayerFromName", 1,
          [](LayerManager& m, const Arguments& a) {
-           return m.layerIf(asText(wanted(a), u"getLayerFromName") == kOnlyLayer);
+           return m.layerIf(asText(a[0], u"getLayerFromName") == kOnlyLayer);
          }},
     };
     return kTable;
   }
 
  private:
-  static const HostValue& wanted(const Arguments& arguments) {
-    if (arguments.size() != 1) throw hostsdk::RuntimeError(u"LayerManager: one layer's index or name is wanted");
-    return arguments[0];
-  }
   HostValue layerIf(bool isOnly) const { return isOnly ? HostValue(std::make_shared<Layer>(core())) : HostValue(); }
 };
 

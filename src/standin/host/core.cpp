@@ -41,8 +41,8 @@ Core::Core(const hostkit::services::PathConfiguration& paths, std::function<void
 
 Core::~Core() = default;
 
-void Core::tell(const char* event) const {
-  if (onEvent) onEvent(event);
+void Core::tell(const char* event, const EventParameter& parameter) const {
+  if (onEvent) onEvent(event, parameter);
 }
 
 void Core::adopt(scene::Scene scene) {
@@ -63,6 +63,7 @@ bool Core::IsSceneFile(const std::u16string& path) { return scene::looksLikeScen
 bool Core::LoadFromFile(const std::u16string& path, std::uint32_t) {
   actions_.beginLoad();
   if (onLoad) onLoad();
+  tell("filePreOpen", path);
   adopt(emptyScene());
   try {
     scene::Scene scene = scene::loadScene(
@@ -74,7 +75,7 @@ bool Core::LoadFromFile(const std::u16string& path, std::uint32_t) {
     log_(e.what());
     return false;
   }
-  tell("filePostOpen");
+  tell("filePostOpen", path);
   return true;
 }
 
@@ -86,6 +87,7 @@ bool Core::acceptProblems(const scene::Scene& scene) {
 }
 
 void Core::ResetScene(int) {
+  tell("systemPreReset");
   adopt(emptyScene());
   tell("systemPostReset");
 }
@@ -126,7 +128,7 @@ int Core::CurRendererRenderFrame(hostsdk::TimeValue time, hostsdk::Bitmap* bitma
                                  hostsdk::RendProgressCallback* progress, float, hostsdk::ViewParams* view,
                                  const hostsdk::Rect* region) {
   if (!open_ || !bitmap || !bitmap->Storage()) return 0;
-  tell("preRenderFrame");
+  tell("preRenderFrame", time);
   try {
     if (!open_->renderFrame(time, *bitmap, progress, view, region)) return 0;
     // A renderer that saves its own output does so here.
@@ -140,7 +142,7 @@ int Core::CurRendererRenderFrame(hostsdk::TimeValue time, hostsdk::Bitmap* bitma
     log_(std::string("The frame cannot be rendered: ") + e.what());
     return 0;
   }
-  tell("postRenderFrame");
+  tell("postRenderFrame", time);
   return 1;
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <variant>
 
 #include "hostkit/services/default_actions.h"
 #include "hostkit/services/path_configuration.h"
@@ -13,6 +14,9 @@
 
 namespace standin::host {
 
+// What is told with an event: nothing, the scene file's path (a Windows path), or the time of a frame in ticks.
+using EventParameter = std::variant<std::monostate, std::u16string, hostsdk::TimeValue>;
+
 class Core : public hostsdk::Interface14 {
  public:
   // `paths` is borrowed. `log` receives host diagnostics, `listen` lines for the script listener.
@@ -21,7 +25,7 @@ class Core : public hostsdk::Interface14 {
   ~Core() override;
 
   // Called with the name of something that has happened ("filePostOpen", "preRender", ...), as scripts know it.
-  std::function<void(const char* event)> onEvent;
+  std::function<void(const char* event, const EventParameter& parameter)> onEvent;
   // Called when a scene load begins.
   std::function<void()> onLoad;
 
@@ -67,7 +71,7 @@ class Core : public hostsdk::Interface14 {
 
  private:
   scene::RenderSettings& settings() const { return live_->description().render; }
-  void tell(const char* event) const;
+  void tell(const char* event, const EventParameter& parameter = {}) const;
   void adopt(scene::Scene scene);
   bool acceptProblems(const scene::Scene& scene);
 

@@ -11,8 +11,8 @@ inline constexpr const char* kProgramName = "standin-host";
 
 class HostApplication {
  public:
-  // Binds itself as the process's host.
-  HostApplication();
+  // Binds itself as the process's host. Scripts are also looked for in `scriptFolders` (Windows paths).
+  explicit HostApplication(std::vector<std::u16string> scriptFolders = {});
   ~HostApplication();
   HostApplication(const HostApplication&) = delete;
   HostApplication& operator=(const HostApplication&) = delete;

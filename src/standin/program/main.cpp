@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -21,13 +22,21 @@ enum ExitCode { kSuccess = 0, kScriptFailed = 1, kUsage = 2 };
 
 struct Arguments {
   std::string plugin, script, text;
-  std::vector<std::string> toCheck;
+  std::vector<std::string> toCheck, scriptFolders;
+
+  // As the host wants them.
+  std::vector<std::u16string> folders() const {
+    std::vector<std::u16string> all;
+    for (const std::string& folder : scriptFolders)
+      all.push_back(platform::windowsPath(std::filesystem::absolute(folder).lexically_normal().string()));
+    return all;
+  }
 };
 
-int check(const std::vector<std::string>& files) {
-  HostApplication host;
+int check(const Arguments& arguments) {
+  HostApplication host(arguments.folders());
   int exitCode = kSuccess;
-  for (const std::string& file : files)
+  for (const std::string& file : arguments.toCheck)
     for (const auto& problem : host.scripts().check(platform::windowsPath(file))) {
       fmt::print("{}:{}:{}: {}\n", file, problem.line, problem.column, toUtf8(problem.text));
       exitCode = kScriptFailed;
@@ -36,7 +45,7 @@ int check(const std::vector<std::string>& files) {
 }
 
 int run(const Arguments& arguments, bool hasText) {
-  HostApplication host;
+  HostApplication host(arguments.folders());
   try {
     host.loadPlugin(arguments.plugin.empty() ? hostkit::services::PluginLibrary::defaultPath() : arguments.plugin);
   } catch (const std::exception& e) {
@@ -65,6 +74,9 @@ int main(int argc, char** argv) {
                                "Parse scripts without running them; prints file:line:column: text for each error")
                     ->check(CLI::ExistingFile);
   auto* script = app.add_option("script", arguments.script, "Script file to run")->check(CLI::ExistingFile);
+  app.add_option("--script-folder", arguments.scriptFolders,
+                 "Folder in which scripts are looked for too; the first is #scripts, and $scripts in file names")
+      ->check(CLI::ExistingDirectory);
   text->excludes(files)->excludes(script);
   files->excludes(script);
   app.footer(
@@ -77,7 +89,7 @@ int main(int argc, char** argv) {
     return app.exit(e) == 0 ? kSuccess : kUsage;
   }
   try {
-    return *files ? check(arguments.toCheck) : run(arguments, static_cast<bool>(*text));
+    return *files ? check(arguments) : run(arguments, static_cast<bool>(*text));
   } catch (const std::exception& e) {
     fmt::print(stderr, "{}: {}\n", kProgramName, e.what());
     return kScriptFailed;

@@ -98,7 +98,7 @@ TEST_F(ScriptedHost, WrongValuesAreErrorsAndChangeNothing) {
     const char* named;
   } cases[] = {
       {"renderWidth = 0", "renderWidth requires an Integer from 1 to 32767"},
-      {"renderWidth = \"wide\"", "renderWidth requires Integer"},
+      {"renderWidth = \"wide\"", "-- Type error: renderWidth requires Integer, got: \"wide\""},
       {"currentTime = 5", "currentTime"},
       {"rendTimeType = \"all\"", "rendTimeType requires Integer"},
       {"viewport.setCamera $Quad", "viewport.setCamera requires a camera"},
@@ -108,12 +108,17 @@ TEST_F(ScriptedHost, WrongValuesAreErrorsAndChangeNothing) {
       {"$Camera01.pos = 5", "position requires Point3"},
       {"$Camera01.fov = 180", "fov requires"},
       {"(maxOps.GetCurRenderElementMgr()).GetRenderElement 1", "out of range: 1"},
-      {"(maxOps.GetCurRenderElementMgr()).GetRenderElement()", "GetRenderElement wanted 1, got 0"},
-      {"LayerManager.getLayer 0 1", "LayerManager: one layer's index or name is wanted"},
+      {"(maxOps.GetCurRenderElementMgr()).GetRenderElement()",
+       "-- Argument count error: GetRenderElement wanted 1, got 0"},
+      {"(maxOps.GetCurRenderElementMgr()).NumRenderElements 1",
+       "-- Argument count error: NumRenderElements wanted 0, got 1"},
+      {"(maxOps.GetCurRenderElementMgr()).GetRenderElement \"Z\"",
+       "-- Type error: Render element index requires Integer, got: \"Z\""},
+      {"LayerManager.getLayer 0 1", "getLayer wanted 1, got 2"},
       {"renderers.current.samples = 0", "samples requires an Integer from 1 to 65536"},
       {"animationRange = 5", "animationRange requires Interval"},
       {"$Camera01.rotation = 5", "rotation requires Quat"},
-      {"setRenderType()", "setRenderType requires the name of a render type"},
+      {"setRenderType()", "setRenderType wanted 1, got 0"},
       {"n = $Quad; resetMaxFile #noPrompt; n.name", "Unknown property"},
   };
   for (const auto& c : cases)

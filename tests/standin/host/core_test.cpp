@@ -141,7 +141,7 @@ TEST_F(CoreTest, DefaultActionsDecideWhatAProblemMeans) {
 TEST_F(CoreTest, RendersTheImageItsElementsAndRegions) {
   ASSERT_TRUE(load(support::smallScene(R"("render":{"width":40,"height":30,"samples":4},
     "elements":[{"name":"Z","type":"depth"},{"name":"A","type":"alpha","enabled":false}])")));
-  core_.onEvent = [this](const char* event) { events_.emplace_back(event); };
+  core_.onEvent = [this](const char* event, const EventParameter&) { events_.emplace_back(event); };
   ASSERT_EQ(core_.OpenCurRenderer(core_.NodeByName(u"Camera01"), nullptr, 0, 40, 30), 1);
 
   hostsdk::Bitmap& whole = bitmap(40, 30);

@@ -22,7 +22,7 @@ std::FILE* file(const Call& call) {
 
 Value open(const Call& call) {
   requireFileAccess(call.runtime);
-  const std::u16string path(toString(call.runtime, call[0]));
+  const std::u16string path = filePath(call, 0);
   const std::u16string_view mode = toString(call.runtime, call[1]);
   if (mode.empty() || std::u16string_view(u"rwa").find(mode[0]) == std::u16string_view::npos)
     throwRuntimeError(u"Bad file mode: " + std::u16string(mode));

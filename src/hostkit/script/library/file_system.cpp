@@ -15,9 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path native(const Call& call, std::size_t index) {
-  return platform::nativePath(std::u16string(toString(call.runtime, call[index])));
-}
+fs::path native(const Call& call, std::size_t index) { return platform::nativePath(filePath(call, index)); }
 
 Value doesFileExist(const Call& call) {
   std::error_code error;
@@ -58,7 +56,7 @@ Value list(const Call& call, bool folders) {
   requireFileAccess(call.runtime);
   const Value recurse = call.keyword(u"recurse");
   std::vector<std::u16string> found;
-  Pattern pattern = split(std::u16string(toString(call.runtime, call[0])));
+  Pattern pattern = split(filePath(call, 0));
   if (pattern.name.empty()) pattern.name = u"*";
   listInto(pattern, folders, !recurse.isUnsupplied() && toBoolean(call.runtime, recurse), found);
   std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return compareFolded(a, b) < 0; });
@@ -84,8 +82,7 @@ Value makeDir(const Call& call) {
 
 Value deleteFile(const Call& call) {
   requireFileAccess(call.runtime);
-  return Value::ofBoolean(platform::files().deleteFile(std::u16string(toString(call.runtime, call[0]))) ==
-                          platform::error::kSuccess);
+  return Value::ofBoolean(platform::files().deleteFile(filePath(call, 0)) == platform::error::kSuccess);
 }
 Value removeDir(const Call& call) {
   requireFileAccess(call.runtime);
@@ -99,8 +96,7 @@ Value copyFile(const Call& call) {
   requireFileAccess(call.runtime);
   std::error_code error;
   if (fs::exists(native(call, 1), error)) return Value::ofBoolean(false);
-  return Value::ofBoolean(platform::files().copyFile(std::u16string(toString(call.runtime, call[0])),
-                                                     std::u16string(toString(call.runtime, call[1]))) ==
+  return Value::ofBoolean(platform::files().copyFile(filePath(call, 0), filePath(call, 1)) ==
                           platform::error::kSuccess);
 }
 Value renameFile(const Call& call) {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "hostkit/script/library/library.h"
+#include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/printing.h"
 #include "hostkit/script/machine/tuples.h"
@@ -127,7 +128,8 @@ void setIntervalEnd(Runtime& runtime, const Value& self, const Value& value) {
 // Of so many numbers.
 template <TupleKind Made, std::size_t Count>
 Value ofNumbers(const Call& call) {
-  if (call.count() != Count) throwArgumentCount(u"constructor", Count, call.count());
+  if (call.count() != Count)
+    throwArgumentCount(call.runtime.classes().ofTuple[static_cast<std::size_t>(Made)]->title, Count, call.count());
   std::array<float, 12> v{};
   for (std::size_t i = 0; i < Count; ++i) v[i] = toFloat(call.runtime, call[i]);
   return newTuple(call.runtime, Made, v);

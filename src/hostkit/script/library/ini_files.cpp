@@ -88,7 +88,7 @@ Value names(Runtime& runtime, const std::vector<std::u16string>& found) {
 // All sections, the keys of one, or a value.
 Value get(const Call& call) {
   requireFileAccess(call.runtime);
-  const Lines lines = readLines(text(call, 0));
+  const Lines lines = readLines(filePath(call, 0));
   std::vector<std::u16string> found;
   if (call.count() == 1) {
     for (const auto& line : lines)
@@ -107,7 +107,7 @@ Value get(const Call& call) {
 
 Value set(const Call& call) {
   requireFileAccess(call.runtime);
-  Lines lines = readLines(text(call, 0));
+  Lines lines = readLines(filePath(call, 0));
   const std::u16string& section = text(call, 1);
   if (!hasSection(lines, section)) lines.push_back(u"[" + section + u"]");
   const Range range = findSection(lines, section);
@@ -120,12 +120,12 @@ Value set(const Call& call) {
     while (end > range.first && trimmed(lines[end - 1]).empty()) --end;
     lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(end), line);
   }
-  return Value::ofBoolean(writeLines(text(call, 0), lines));
+  return Value::ofBoolean(writeLines(filePath(call, 0), lines));
 }
 
 Value remove(const Call& call) {
   requireFileAccess(call.runtime);
-  Lines lines = readLines(text(call, 0));
+  Lines lines = readLines(filePath(call, 0));
   if (!hasSection(lines, text(call, 1))) return Value::ofBoolean(false);
   const Range range = findSection(lines, text(call, 1));
   auto first = lines.begin() + static_cast<std::ptrdiff_t>(range.first) - 1,
@@ -137,12 +137,12 @@ Value remove(const Call& call) {
     last = first + 1;
   }
   lines.erase(first, last);
-  return Value::ofBoolean(writeLines(text(call, 0), lines));
+  return Value::ofBoolean(writeLines(filePath(call, 0), lines));
 }
 
 Value has(const Call& call) {
   requireFileAccess(call.runtime);
-  const Lines lines = readLines(text(call, 0));
+  const Lines lines = readLines(filePath(call, 0));
   if (call.count() == 2) return Value::ofBoolean(hasSection(lines, text(call, 1)));
   return Value::ofBoolean(findKey(lines, findSection(lines, text(call, 1)), text(call, 2)) < lines.size());
 }

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "hostkit/script/machine/conversion.h"
+#include "hostkit/script/machine/folders.h"
 #include "hostkit/script/machine/scene_nodes.h"
 #include "hostkit/script/machine/tuples.h"
 
@@ -74,6 +75,10 @@ Library standardLibrary() {
   for (ClassRow& row : geometricClassRows()) library.classes.push_back(std::move(row));
   library.defineConstants = defineConstants;
   return library;
+}
+
+std::u16string filePath(const Call& call, std::size_t index) {
+  return expandedPath(call.runtime.options(), toString(call.runtime, call[index]));
 }
 
 void requireFileAccess(Runtime& runtime) {

@@ -38,6 +38,8 @@ void defineSystemInfo(Runtime& runtime);
 
 // A moment as scripts show it, in local time: "11/22/2026 9:30:05 PM".
 std::u16string dateText(std::time_t moment);
+// The path that an argument names, where a name with '$' may stand for a folder.
+std::u16string filePath(const Call& call, std::size_t index);
 // Throws a script error when the host was set up without file access.
 void requireFileAccess(Runtime& runtime);
 

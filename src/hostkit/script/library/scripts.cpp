@@ -1,4 +1,7 @@
 // Running scripts from scripts, errors, and scripts that run when the host does something.
+#include <algorithm>
+#include <iterator>
+
 #include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/evaluator.h"
@@ -62,10 +65,117 @@ Value apply(const Call& call) {
 
 // Callbacks
 
+// In alphabetical order. A host that knows no such moment never runs what waits for it.
+constexpr std::u16string_view kEvents[] = {u"animateoff",
+                                           u"animateon",
+                                           u"animationrangechange",
+                                           u"animlayersdisabled",
+                                           u"animlayersenabled",
+                                           u"beginrenderingactualframe",
+                                           u"beginrenderingreflectrefractmap",
+                                           u"beginrenderingshadowmap",
+                                           u"bitmapchanged",
+                                           u"colorchanged",
+                                           u"endrenderingactualframe",
+                                           u"filelinkpostbind",
+                                           u"filelinkprebind",
+                                           u"fileopenfailed",
+                                           u"filepostmerge",
+                                           u"filepostmergeprocess",
+                                           u"filepostopen",
+                                           u"filepostopenprocess",
+                                           u"filepostsave",
+                                           u"filepostsaveprocess",
+                                           u"filepremerge",
+                                           u"filepremergeprocess",
+                                           u"filepreopen",
+                                           u"filepreopenprocess",
+                                           u"filepresave",
+                                           u"filepresaveprocess",
+                                           u"filesavefailed",
+                                           u"layercreated",
+                                           u"layercurrentchanged",
+                                           u"layerdeleted",
+                                           u"layernamechanged",
+                                           u"mtllibpostmerge",
+                                           u"mtllibpostopen",
+                                           u"mtllibpostsave",
+                                           u"mtllibpremerge",
+                                           u"mtllibpreopen",
+                                           u"mtllibpresave",
+                                           u"nodecloned",
+                                           u"nodecreated",
+                                           u"nodefreeze",
+                                           u"nodehide",
+                                           u"nodelinked",
+                                           u"nodenameset",
+                                           u"nodepostdelete",
+                                           u"nodepostmaterial",
+                                           u"nodepredelete",
+                                           u"nodeprematerial",
+                                           u"noderenamed",
+                                           u"nodeunfreeze",
+                                           u"nodeunhide",
+                                           u"nodeunlinked",
+                                           u"postexport",
+                                           u"postimport",
+                                           u"postmirrornodes",
+                                           u"postmodifieradded",
+                                           u"postmodifierdeleted",
+                                           u"postnodegeneralpropchanged",
+                                           u"postnodescloned",
+                                           u"postprogress",
+                                           u"postrender",
+                                           u"postrendererchange",
+                                           u"postrenderframe",
+                                           u"postsystemshutdown",
+                                           u"postsystemstartup",
+                                           u"preexport",
+                                           u"preimport",
+                                           u"premirrornodes",
+                                           u"premodifieradded",
+                                           u"premodifierdeleted",
+                                           u"prenodegeneralpropchanged",
+                                           u"prenodescloned",
+                                           u"preprogress",
+                                           u"prerender",
+                                           u"prerendererchange",
+                                           u"prerendereval",
+                                           u"prerenderframe",
+                                           u"presystemshutdown",
+                                           u"presystemstartup",
+                                           u"renderparamschanged",
+                                           u"renpresetpostload",
+                                           u"renpresetpostsave",
+                                           u"renpresetpreload",
+                                           u"renpresetpresave",
+                                           u"sceneaddednode",
+                                           u"sceneredo",
+                                           u"sceneundo",
+                                           u"selectionsetchanged",
+                                           u"spacemodechange",
+                                           u"systempostdirchange",
+                                           u"systempostnew",
+                                           u"systempostreset",
+                                           u"systempredirchange",
+                                           u"systemprenew",
+                                           u"systemprereset",
+                                           u"timeunitschanged",
+                                           u"unitschange",
+                                           u"viewportchange",
+                                           u"viewportsafeframetoggle"};
+
+const std::u16string& eventOf(const Call& call) {
+  const NameObject* event = toName(call.runtime, call[0]);
+  if (!std::binary_search(std::begin(kEvents), std::end(kEvents), event->folded))
+    throwRuntimeError(u"Unknown callback event: #" + event->text);
+  return event->folded;
+}
+
 // callbacks.addScript #event text-or-function [fileName:] [id:]
 Value addScript(const Call& call) {
   CallbackScript added;
-  added.event = toName(call.runtime, call[0])->folded;
+  added.event = eventOf(call);
   added.id = call.keyword(u"id");
   const Value file = call.keyword(u"filename");
   added.isFile = !file.isUnsupplied();
@@ -79,7 +189,7 @@ Value addScript(const Call& call) {
 // callbacks.removeScripts [#event] [id:]: those that fit both.
 Value removeScripts(const Call& call) {
   const Value id = call.keyword(u"id");
-  const std::u16string event = call.count() > 0 ? toName(call.runtime, call[0])->folded : u"";
+  const std::u16string event = call.count() > 0 ? eventOf(call) : u"";
   if (event.empty() && id.isUnsupplied()) throwRuntimeError(u"removeScripts requires an event or id:");
   std::erase_if(call.runtime.callbacks, [&](const CallbackScript& callback) {
     return (event.empty() || callback.event == event) && (id.isUnsupplied() || equal(call.runtime, callback.id, id));

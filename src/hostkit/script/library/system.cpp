@@ -9,6 +9,7 @@
 #include "hostkit/script/library/library.h"
 #include "hostkit/script/machine/conversion.h"
 #include "hostkit/script/machine/evaluator.h"
+#include "hostkit/script/machine/folders.h"
 #include "hostkit/script/syntax/text.h"
 #include "platform/clock.h"
 #include "platform/environment.h"
@@ -51,16 +52,11 @@ Value maxVersion(const Call& call) {
   return call.runtime.heap().make<ArrayObject>(std::move(fields));
 }
 
-// #scripts, #userScripts, #startupScripts: the script folder; #temp and #export likewise their own; undefined for
-// others.
 Value getDir(const Call& call) {
-  const std::u16string& which = toName(call.runtime, call[0])->folded;
-  const auto& folders = call.runtime.options().scriptFolders;
-  if (which.find(u"scripts") != std::u16string::npos)
-    return call.runtime.newString(folders.empty() ? u"." : folders.front());
-  if (which != u"temp") return call.runtime.newString(u".");
-  std::error_code error;
-  return call.runtime.newString(platform::windowsPath(std::filesystem::temp_directory_path(error).string()));
+  const NameObject* which = toName(call.runtime, call[0]);
+  const auto folder = folderNamed(call.runtime.options(), which->folded);
+  if (!folder) throwRuntimeError(u"getDir knows no folder of this name: #" + which->text);
+  return call.runtime.newString(*folder);
 }
 
 Value collectGarbage(const Call& call) {

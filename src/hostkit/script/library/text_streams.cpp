@@ -75,8 +75,7 @@ TextStreamObject& stream(const Call& call) {
 // undefined when the file cannot be opened.
 Value open(const Call& call, std::u16string_view mode) {
   requireFileAccess(call.runtime);
-  const Root made(call.runtime.heap(), call.runtime.heap().make<TextStreamObject>(
-                                           std::u16string(toString(call.runtime, call[0])), u"", false));
+  const Root made(call.runtime.heap(), call.runtime.heap().make<TextStreamObject>(filePath(call, 0), u"", false));
   if (!TextStreamObject::open(*as<TextStreamObject>(made.value), mode)) return {};
   call.runtime.heap().grew(as<TextStreamObject>(made.value)->content().size() * 2);
   return made.value;

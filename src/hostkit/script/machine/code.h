@@ -19,9 +19,11 @@ struct StructObject;
 
 // The instructions of the evaluator. It is a stack machine: operands are pushed, results take their place.
 enum class Op : std::uint16_t {
-  // Pushing and dropping. b: constant or number. text pushes a copy of its constant, for scripts may change it.
+  // Pushing and dropping. b: constant or number. text and tuple push a copy of their constant, for scripts may change
+  // it.
   constant,
   text,
+  tuple,
   undefined,
   ok,
   integer,

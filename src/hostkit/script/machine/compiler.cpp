@@ -14,6 +14,7 @@ std::int32_t stackEffect(Op op, std::size_t a) {
   switch (op) {
     case Op::constant:
     case Op::text:
+    case Op::tuple:
     case Op::undefined:
     case Op::ok:
     case Op::integer:

@@ -177,6 +177,7 @@ void Compiler::openContext(const ContextPart& part) {
     if (!isWorld) fail(u"Only world coordinates are supported by this host: " + part.word, false);
     return;
   }
+  if (part.label) compile(*part.label, false);
   if (!part.operand) return fail(u"A context needs an operand: " + part.word, false);
   compile(*part.operand, true);
   if (part.word == u"at time" || part.word == u"printallelements") {

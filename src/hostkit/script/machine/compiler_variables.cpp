@@ -132,7 +132,11 @@ void Compiler::load(const Variable& variable) {
       break;
     case Variable::Kind::global:
       if (variable.global->isConstant && !variable.global->compute) {
-        push(variable.global->value, true);
+        if (as<TupleObject>(variable.global->value)) {
+          emitConstant(Op::tuple, variable.global->value);
+        } else {
+          push(variable.global->value, true);
+        }
       } else {
         emitConstant(Op::getGlobal, variable.global);
       }

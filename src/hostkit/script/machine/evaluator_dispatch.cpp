@@ -39,6 +39,11 @@ Value Evaluator::dispatch(std::size_t entry) {
       case Op::text:
         *sp++ = runtime_.heap().make<StringObject>(static_cast<const StringObject*>(constants[at.b].o));
         break;
+      case Op::tuple: {
+        const auto& shape = *static_cast<const TupleObject*>(constants[at.b].o);
+        *sp++ = runtime_.heap().make<TupleObject>(shape.tuple, shape.v);
+        break;
+      }
       case Op::undefined:
         *sp++ = Value();
         break;

@@ -51,6 +51,12 @@ using HostValue = std::variant<std::monostate, HostOk, bool, std::int32_t, std::
 struct HostList {
   std::vector<HostValue> items;
 };
+// What a host throws when it is handed a value of another kind than it takes; the script's error is
+// "-- Type error: renderWidth requires Integer, got: \"wide\"".
+struct WrongValue {
+  std::u16string what, wanted;
+  HostValue got;
+};
 using HostKeywords = std::vector<std::pair<std::u16string, HostValue>>;
 
 // Something of the host that scripts see as a value: a node, the renderer, a published interface.
@@ -107,7 +113,9 @@ class HostBindings : public HostObject {
 struct EngineOptions {
   // Receives what scripts print.
   std::function<void(std::u16string_view)> listener;
-  // Folders searched by fileIn and include after the path as given; the first one is what getDir #scripts answers.
+  // Folders searched by fileIn and include after the path as given and beside the running script; the first one is what
+  // getDir #scripts answers and "$scripts" in file names stands for. Without any it is a folder below the temporary
+  // one.
   std::vector<std::u16string> scriptFolders;
   // Collect garbage at every allocation. Also switched on by CORVANTIS_GC_STRESS=1.
   bool collectAlways = false;

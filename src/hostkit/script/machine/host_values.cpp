@@ -4,6 +4,7 @@
 
 #include "hostkit/script/machine/elements.h"
 #include "hostkit/script/machine/port.h"
+#include "hostkit/script/machine/printing.h"
 #include "hostkit/script/machine/tuples.h"
 
 namespace hostkit::script {
@@ -76,6 +77,17 @@ HostValue objectToHost(Runtime& runtime, const Value& value) {
   return runtime.port().publish(value);
 }
 
+// Does what may throw a WrongValue.
+template <class Work>
+auto wordingRefusals(Runtime& runtime, Work&& work) {
+  try {
+    return work();
+  } catch (const WrongValue& wrong) {
+    const Root got(runtime.heap(), fromHost(runtime, wrong.got));
+    throwTypeError(wrong.what + u" requires " + wrong.wanted + u", got: " + printed(runtime, got.value));
+  }
+}
+
 }  // namespace
 
 Value fromHost(Runtime& runtime, const HostValue& value) { return std::visit(ToScript{runtime}, value); }
@@ -108,6 +120,11 @@ HostValue toHost(Runtime& runtime, const Value& value) {
   return objectToHost(runtime, value);
 }
 
+bool setOfHost(Runtime& runtime, HostObject& object, const NameObject& name, const Value& value) {
+  const AllocationFrame frame(runtime.port());
+  return wordingRefusals(runtime, [&] { return object.set(name.folded, toHost(runtime, value)); });
+}
+
 std::optional<Value> callHost(Runtime& runtime, HostObject& object, const NameObject& name,
                               std::span<const Value> arguments, std::span<NameObject* const> keywordNames,
                               std::span<const Value> keywordValues) {
@@ -118,7 +135,7 @@ std::optional<Value> callHost(Runtime& runtime, HostObject& object, const NameOb
   HostKeywords keywords;
   for (std::size_t i = 0; i < keywordNames.size(); ++i)
     keywords.emplace_back(keywordNames[i]->folded, toHost(runtime, keywordValues[i]));
-  const auto result = object.call(name.folded, given, keywords);
+  const auto result = wordingRefusals(runtime, [&] { return object.call(name.folded, given, keywords); });
   if (!result) return std::nullopt;
   return fromHost(runtime, *result);
 }

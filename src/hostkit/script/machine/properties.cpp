@@ -48,8 +48,7 @@ std::optional<Value> find(Runtime& runtime, const Value& value, NameObject* name
   if (const auto* space = as<NamespaceObject>(value)) {
     const auto found = space->functions.find(name);
     if (found != space->functions.end()) return Value(found->second);
-    for (const auto& property : space->properties)
-      if (property.name == name) return property.get(runtime, value);
+    if (const auto* property = space->find(name)) return property->get(runtime, value);
     return std::nullopt;
   }
   if (const auto* host = as<HostValueObject>(value)) {
@@ -86,6 +85,7 @@ bool hasProperty(Runtime& runtime, const Value& value, NameObject* name) {
     if (host->host->get(name->folded)) return true;
   if (const auto* pair = as<DataPairObject>(value))
     if (pair->names[0] == name || pair->names[1] == name) return true;
+  if (const auto* space = as<NamespaceObject>(value)) return space->find(name) || space->functions.contains(name);
   return nativeClassOf(runtime, value)->find(name) != nullptr;
 }
 
@@ -98,6 +98,8 @@ std::vector<NameObject*> propertyNames(Runtime& runtime, const Value& value) {
       if (!member.isPrivate) names.push_back(member.name);
   } else if (const auto* host = as<HostValueObject>(value)) {
     for (const auto& name : host->host->propertyNames()) names.push_back(runtime.name(name));
+  } else if (const auto* space = as<NamespaceObject>(value)) {
+    for (const auto& property : space->properties) names.push_back(property.name);
   } else {
     for (const auto& property : nativeClassOf(runtime, value)->properties) names.push_back(property.name);
   }
@@ -120,22 +122,16 @@ void setProperty(Runtime& runtime, const Value& target, NameObject* name, const 
       }
   }
   if (const auto* host = as<HostValueObject>(target)) {
-    const AllocationFrame frame(runtime.port());
-    if (host->host->set(name->folded, toHost(runtime, value))) return;
+    if (setOfHost(runtime, *host->host, *name, value)) return;
     if (host->host->get(name->folded)) throwRuntimeError(u"Property is read-only: " + name->text);
   }
-  if (as<NodeSetObject>(target)) {
+  const auto* space = as<NamespaceObject>(target);
+  const auto* property = space ? space->find(name) : nativeClassOf(runtime, target)->find(name);
+  if (!property && (as<NodeSetObject>(target) || as<ArrayObject>(target))) {
     const Root elements(runtime.heap(), elementsOf(runtime, target));
     for (std::size_t i = 0; i < as<ArrayObject>(elements.value)->items.size(); ++i)
       setProperty(runtime, as<ArrayObject>(elements.value)->items[i], name, value, from);
     return;
-  }
-  const ClassObject::Property* property = nullptr;
-  if (const auto* space = as<NamespaceObject>(target)) {
-    for (const auto& candidate : space->properties)
-      if (candidate.name == name) property = &candidate;
-  } else {
-    property = nativeClassOf(runtime, target)->find(name);
   }
   if (!property) throwUnknown(runtime, target, name);
   if (!property->set) throwRuntimeError(u"Property is read-only: " + name->text);

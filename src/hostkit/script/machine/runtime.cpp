@@ -5,6 +5,7 @@
 #include "hostkit/script/machine/classes.h"
 #include "hostkit/script/machine/compiler.h"
 #include "hostkit/script/machine/evaluator.h"
+#include "hostkit/script/machine/folders.h"
 #include "hostkit/script/machine/host_values.h"
 #include "hostkit/script/machine/port.h"
 #include "hostkit/script/syntax/parser.h"
@@ -142,6 +143,8 @@ void Runtime::setConstant(std::u16string_view text, Value value) {
 
 Value Runtime::readGlobal(GlobalObject& global) {
   if (global.compute) return global.compute(*this);
+  if (const auto* tuple = global.isConstant ? as<TupleObject>(global.value) : nullptr)
+    return heap_.make<TupleObject>(tuple->tuple, tuple->v);
   if (!global.isHost) return global.value;
   const AllocationFrame frame(*port_);
   const auto found = host_.get(global.name->folded);
@@ -150,10 +153,9 @@ Value Runtime::readGlobal(GlobalObject& global) {
 
 void Runtime::writeGlobal(GlobalObject& global, const Value& value) {
   if (global.isConstant) throwRuntimeError(u"Cannot assign to constant: " + global.name->text);
-  const AllocationFrame frame(*port_);
   if (!global.isHost) {
     global.value = value;
-  } else if (!host_.set(global.name->folded, toHost(*this, value))) {
+  } else if (!setOfHost(*this, host_, *global.name, value)) {
     throwRuntimeError(u"Cannot assign to read-only variable: " + global.name->text);
   }
 }
@@ -167,7 +169,8 @@ void Runtime::print(std::u16string_view text) {
   }
 }
 
-std::shared_ptr<const Source> Runtime::findScript(const std::u16string& path) const {
+std::shared_ptr<const Source> Runtime::findScript(const std::u16string& given) const {
+  const std::u16string path = expandedPath(options_, given);
   if (auto found = readSource(path)) return found;
   std::vector<std::u16string> folders = options_.scriptFolders;
   if (!runningFiles.empty()) {

@@ -55,6 +55,12 @@ void ClassObject::trace(Tracer& tracer) const {
   for (const Property& property : properties) tracer.mark(property.name);
 }
 
+const ClassObject::Property* NamespaceObject::find(const NameObject* property) const {
+  for (const ClassObject::Property& each : properties)
+    if (each.name == property) return &each;
+  return nullptr;
+}
+
 void NamespaceObject::trace(Tracer& tracer) const {
   tracer.mark(name);
   for (const auto& [key, function] : functions) tracer.mark(function);

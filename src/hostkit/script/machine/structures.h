@@ -99,6 +99,7 @@ struct NamespaceObject : Object {
   static constexpr Kind kKind = Kind::nameSpace;
   explicit NamespaceObject(NameObject* namespaceName) : Object(kKind), name(namespaceName) {}
   void trace(Tracer& tracer) const override;
+  const ClassObject::Property* find(const NameObject* property) const;  // null when there is none
   NameObject* name;
   std::unordered_map<const NameObject*, BuiltinObject*> functions;
   std::vector<ClassObject::Property> properties;

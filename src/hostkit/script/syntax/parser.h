@@ -74,6 +74,7 @@ class ScriptParser {
   Node* doLoop();
   Node* forLoop();
   Node* caseStatement();
+  Node* caseLabel();
   Node* tryStatement();
   Node* exitStatement();
   Node* returnStatement();
@@ -86,6 +87,7 @@ class ScriptParser {
   bool startsContext();
   Node* contextExpression();
   bool contextPart(ContextNode& into);
+  bool startsBoolean();
   Node* contextBoolean();
   Node* coordinateSystem();
   Node* setContext();

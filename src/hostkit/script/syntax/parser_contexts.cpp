@@ -41,8 +41,11 @@ bool ScriptParser::contextPart(ContextNode& into) {
     part = {u"animate", contextBoolean()};
   } else if (acceptKeyword(u"undo")) {
     part.word = u"undo";
-    if (peek().kind == TokenKind::string) take();
     part.operand = contextBoolean();
+    if (part.operand->kind == NodeKind::text || startsBoolean()) {  // it was the label
+      part.label = part.operand;
+      part.operand = contextBoolean();
+    }
   } else if (acceptKeyword(u"at")) {
     if (!isWord(u"time") && !isWord(u"level")) fail(u"time or level");
     part.word = u"at " + fold(take().text);
@@ -67,6 +70,10 @@ bool ScriptParser::contextPart(ContextNode& into) {
   }
   into.parts.push_back(std::move(part));
   return true;
+}
+
+bool ScriptParser::startsBoolean() {
+  return isKeyword(u"on") || isKeyword(u"off") || isWord(u"true") || isWord(u"false");
 }
 
 Node* ScriptParser::contextBoolean() { return operand(); }

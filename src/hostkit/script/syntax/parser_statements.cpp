@@ -130,13 +130,24 @@ Node* ScriptParser::caseStatement() {
     if (isDefault) {
       take();
     } else {
-      label = signedOperand();
+      label = caseLabel();
     }
     expectSymbol(u":");
     Node* value = expression();
     made->items.emplace_back(label, value);
   }
   take();
+  return made;
+}
+
+// Before its ':' every word is a name to the lexer; here `on` and `off` are what they are elsewhere.
+Node* ScriptParser::caseLabel() {
+  const Token& token = peek();
+  const bool isOn = equalFolded(token.text, u"on");
+  if (token.kind != TokenKind::identifier || !(isOn || equalFolded(token.text, u"off")) || !peek(1).isSymbol(u":"))
+    return signedOperand();
+  auto* made = tree_->make<BooleanNode>(take().place);
+  made->value = isOn;
   return made;
 }
 

@@ -22,7 +22,7 @@ void visitStructure(const Visit& visit, const StructNode& node) {
   for (const StructMember& member : node.members) visitAll(visit, {member.value, member.function});
 }
 void visitContext(const Visit& visit, const ContextNode& node) {
-  for (const ContextPart& part : node.parts) visitAll(visit, {part.operand});
+  for (const ContextPart& part : node.parts) visitAll(visit, {part.label, part.operand});
   visitAll(visit, {node.body});
 }
 void visitCall(const Visit& visit, const CallNode& node) {

@@ -199,6 +199,7 @@ struct StructNode : Node {
 struct ContextPart {
   std::u16string word;      // "undo", "animate", "redraw", "quiet", "at time", "in", "coordsys", "about", ...
   Node* operand = nullptr;  // null where a word such as `local` stands
+  Node* label = nullptr;    // of `undo`; null: none
 };
 struct ContextNode : Node {
   ContextNode() : Node(NodeKind::context) {}
