@@ -19,6 +19,12 @@ namespace {
 using platform::FaultContext;
 namespace fault = platform::fault;
 
+// What a filter may count on, less what is used up on the way to it.
+__attribute__((noinline)) void useStack() {
+  volatile char room[60 * 1024];
+  for (std::size_t at = sizeof room; at > 0; at -= 1024) room[at - 1] = 1;
+}
+
 // A filter's state: what it was shown last, how often it was asked, and its answer.
 struct Witness {
   bool accepts = true;
@@ -29,6 +35,7 @@ struct Witness {
     auto& self = *static_cast<Witness*>(state);
     ++self.asked;
     self.last = context;
+    useStack();
     return self.accepts;
   }
 };

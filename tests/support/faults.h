@@ -17,7 +17,7 @@ void executeIllegalInstruction();
 // Recurses until the stack ends.
 int overflowStack(int depth = 0);
 // False where the system itself ends a process whose stack has run out: Wine, when the processor's state (AVX-512)
-// needs more room on the stack than Wine keeps free.
+// needs more room on the stack than the one page that Wine keeps free, whatever a guard asks for.
 bool stackOverflowCanBeTold();
 // With float traps on, which stay on.
 double divideFloatByZero();
