@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace platform {
@@ -29,6 +30,9 @@ bool connectSocket(SocketHandle socket, std::uint32_t address, std::uint16_t por
 std::ptrdiff_t sendBytes(SocketHandle socket, const char* bytes, std::size_t count);
 // One receive call; the number of bytes read, 0 when the peer has closed, or -1.
 std::ptrdiff_t receiveBytes(SocketHandle socket, char* bytes, std::size_t count);
+// The same without a wait, for a caller that waits otherwise: nullopt when nothing has arrived, for a handle that is no
+// socket, which the wait then tells, and always on Windows, where to look costs as much as to wait.
+std::optional<std::ptrdiff_t> receiveArrived(SocketHandle socket, char* bytes, std::size_t count);
 
 // Shuts the socket down in both directions and closes it.
 void closeSocket(SocketHandle socket);

@@ -6,6 +6,7 @@
 
 #include "platform/clock.h"
 #include "platform/socket.h"
+#include "support/platform_kind.h"
 #include "support/socket_errors.h"
 #include "support/socket_pair.h"
 
@@ -51,6 +52,20 @@ TEST(Socket, SendsIntoABrokenConnectionFailWithoutASignal) {
   EXPECT_LE(receiveBytes(pair.ours(), &byte, 1), 0);  // the end is known from here on
   EXPECT_EQ(sendBytes(pair.ours(), "x", 1), -1);
   EXPECT_EQ(lastSocketError(), support::kBrokenConnection);
+}
+
+TEST(Socket, TakesWhatHasArrivedWithoutWaiting) {
+  SocketPair pair;
+  char byte = 0;
+  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), std::nullopt);
+  pair.send("x");
+  ASSERT_EQ(clock().waitReadable(pair.ours(), 60000), WaitResult::readable);
+  if (support::kIsWindows) return;  // where nothing is looked at
+  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), 1);
+  EXPECT_EQ(byte, 'x');
+  pair.close();
+  ASSERT_EQ(clock().waitReadable(pair.ours(), 60000), WaitResult::readable);
+  EXPECT_EQ(receiveArrived(pair.ours(), &byte, 1), 0);
 }
 
 TEST(SystemClock, WaitsForDataAndForAClosedPeer) {

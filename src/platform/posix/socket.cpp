@@ -76,6 +76,15 @@ std::ptrdiff_t receiveBytes(SocketHandle socket, char* bytes, std::size_t count)
   }
 }
 
+std::optional<std::ptrdiff_t> receiveArrived(SocketHandle socket, char* bytes, std::size_t count) {
+  for (;;) {
+    const ssize_t read = ::recv(descriptor(socket), bytes, count, MSG_DONTWAIT);
+    if (read >= 0) return read;
+    if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EBADF) return std::nullopt;
+    if (errno != EINTR) return -1;
+  }
+}
+
 void closeSocket(SocketHandle socket) {
   (void)::shutdown(descriptor(socket), SHUT_RDWR);
   (void)::close(descriptor(socket));

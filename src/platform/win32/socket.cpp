@@ -61,6 +61,8 @@ std::ptrdiff_t receiveBytes(SocketHandle socket, char* bytes, std::size_t count)
   return ::recv(socket, bytes, countOf(count), 0);
 }
 
+std::optional<std::ptrdiff_t> receiveArrived(SocketHandle, char*, std::size_t) { return std::nullopt; }
+
 void closeSocket(SocketHandle socket) {
   (void)::shutdown(socket, SD_BOTH);
   (void)::closesocket(socket);

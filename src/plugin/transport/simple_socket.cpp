@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "platform/clock.h"
 
@@ -117,21 +116,19 @@ std::uint32_t simple_socket::receive_header(bool useEndTime, std::uint32_t endTi
   }
   Header header{};
   try {
-    receive_data(header.data(), header.size(), useEndTime, endTime, useEndTime);
+    receive_data(header.data(), header.size(), useEndTime, endTime);
   } catch (const simple_socket_disconnect_error&) {
     throw simple_socket_disconnect_error("simple_socket::receive: socket was disconnected while reading header.");
   }
   return decodeLength(header);
 }
 
-// `isReadable` spares the first wait after one that has just ended well.
-void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime,
-                                 bool isReadable) {
+void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime) {
   std::size_t received = 0;
   while (received < count) {
-    if (useEndTime && !std::exchange(isReadable, false)) wait_readable(endTime);
     const std::size_t wanted = std::min(count - received, kReadChunk);
-    const std::ptrdiff_t read = platform::receiveBytes(connectedSocket, buffer + received, wanted);
+    const std::ptrdiff_t read = useEndTime ? receive_until(buffer + received, wanted, endTime)
+                                           : platform::receiveBytes(connectedSocket, buffer + received, wanted);
     if (read < 0) {
       const std::string errorNumber = lastErrorNumber();  // closing may overwrite it
       close(true);
@@ -143,6 +140,13 @@ void simple_socket::receive_data(char* buffer, std::size_t count, bool useEndTim
     }
     received += static_cast<std::size_t>(read);
   }
+}
+
+// A wait is a system call of its own, spared where the bytes can be had without.
+std::ptrdiff_t simple_socket::receive_until(char* buffer, std::size_t count, std::uint32_t endTime) {
+  if (const auto read = platform::receiveArrived(connectedSocket, buffer, count)) return *read;
+  wait_readable(endTime);
+  return platform::receiveBytes(connectedSocket, buffer, count);
 }
 
 void simple_socket::wait_readable(std::uint32_t endTime) {

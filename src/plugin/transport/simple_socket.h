@@ -76,7 +76,8 @@ class simple_socket {
 
  private:
   std::uint32_t receive_header(bool useEndTime, std::uint32_t endTime);
-  void receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime, bool isReadable = false);
+  void receive_data(char* buffer, std::size_t count, bool useEndTime, std::uint32_t endTime);
+  std::ptrdiff_t receive_until(char* buffer, std::size_t count, std::uint32_t endTime);
   void wait_readable(std::uint32_t endTime);
 };
 

@@ -221,31 +221,33 @@ TEST_F(PacketSocket, ClosesAtAReadErrorButNotAtASendError) {
   another.finish();
 }
 
-// Takes the socket away before one of its waits.
+// Takes the socket away before a wait, or after a wait that has ended well.
 class BreakingClock final : public platform::Clock {
  public:
-  BreakingClock(platform::Clock& clock, int brokenWait) : clock_(clock), waitsLeft_(brokenWait) {}
+  BreakingClock(platform::Clock& clock, bool breaksFirst) : clock_(clock), breaksFirst_(breaksFirst) {}
   std::uint32_t tickCount() override { return clock_.tickCount(); }
   void sleep(std::uint32_t milliseconds) override { clock_.sleep(milliseconds); }
   platform::WaitResult waitReadable(platform::SocketHandle socket, std::uint32_t milliseconds) override {
-    if (--waitsLeft_ == 0) platform::closeSocket(socket);
-    return clock_.waitReadable(socket, milliseconds);
+    if (breaksFirst_) platform::closeSocket(socket);
+    const platform::WaitResult result = clock_.waitReadable(socket, milliseconds);
+    if (result == platform::WaitResult::readable) platform::closeSocket(socket);
+    return result;
   }
 
  private:
   platform::Clock& clock_;
-  int waitsLeft_;
+  bool breaksFirst_;
 };
 
-// Before the header and before the data, which have arrived.
+// The wait for the message, and the one inside it.
 TEST_F(PacketSocket, ReportsAWaitThatFailsAndStaysOpen) {
-  for (const int brokenWait : {1, 2}) {
+  for (const bool breaksFirst : {true, false}) {
     ScriptedPeer worker;
     worker.send("data");
     worker.start();
     socket.connect("127.0.0.1", worker.port(), 1);
     worker.awaitSteps();  // the peer is to take no descriptor any more
-    BreakingClock breaking(clock, brokenWait);
+    BreakingClock breaking(clock, breaksFirst);
     const platform::ClockReplacement inForce(breaking);
     expectReceiveError<simple_socket_error>(
         120000, "select: Operation on socket failed: WSAError code " + std::to_string(support::kNoSocket));
