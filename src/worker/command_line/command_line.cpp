@@ -23,7 +23,7 @@ struct Arguments {
   std::optional<double> timeout;
   double grace = 0;
   std::vector<std::string> settings, preJob, perFrame, postJob, mappings;
-  std::string crashReport;
+  std::string crashReport, record;
   bool verbose = false, quiet = false, plain = false, stopOnError = false;
 };
 
@@ -40,6 +40,8 @@ void addCommonOptions(CLI::App& command, Arguments& arguments) {
                   "Seconds that the frame under way is given to finish when the worker is asked to terminate")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
+  command.add_option("--record", arguments.record,
+                     "Folder for what is kept of the job and its hosts (default: the output's name with .job)");
   command.add_option("--crash-report", arguments.crashReport,
                      "Folder that keeps the description of a crash inside the host");
   command.add_flag("-v,--verbose", arguments.verbose, "Show the log lines of the plug-in and the host");
@@ -176,6 +178,7 @@ Request requestOf(const Arguments& arguments) {
   if (!host.empty() && request.host.empty()) throw std::invalid_argument("--host: expected a command, got nothing");
   request.silence = milliseconds(timeout.value_or(kDefaultTimeout));
   request.grace = milliseconds(arguments.grace);
+  request.recordFolder = absolutePath(arguments.record);
   request.crashReportFolder = absolutePath(arguments.crashReport);
   request.verbose = arguments.verbose;
   request.quiet = arguments.quiet;

@@ -17,6 +17,7 @@ struct Request {
   std::vector<std::string> host;  // program and arguments; empty: the host beside this program
   std::chrono::milliseconds silence{300000};
   std::chrono::milliseconds grace{0};  // for the frame under way when the worker is asked to terminate
+  std::string recordFolder;            // empty: its default place
   std::string crashReportFolder;       // empty: crash descriptions are only printed
   bool verbose = false;
   bool quiet = false;

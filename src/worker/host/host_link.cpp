@@ -16,6 +16,7 @@
 #include "worker/host/door.h"
 #include "worker/host/event_loop.h"
 #include "worker/host/host_process.h"
+#include "worker/host/host_record.h"
 #include "worker/host/start_script.h"
 
 namespace worker {
@@ -29,6 +30,8 @@ constexpr std::size_t kKeptLines = 200;
 constexpr std::size_t kToldLines = 20;
 // How long a host whose connection broke is given to end, so that its end can be told.
 constexpr milliseconds kEndAfterLoss{500};
+// How long the folder of records may take to answer at the end.
+constexpr milliseconds kKeeping{10000};
 
 }  // namespace
 
@@ -45,12 +48,19 @@ class HostLink::Implementation {
         loop_(options.stop, options.grace, options.look),
         door_(loop_, token_),
         socket_(loop_.context()),
-        script_(door_.port(), token_) {
+        script_(door_.port(), token_),
+        record_(options.records, script_.hostFolder()) {
     const HostCommand command{options.keeper, script_.in(options.command), script_.environment()};
     process_.emplace(loop_, command, [this](const std::string& line) { hostLine(line); });
     awaitPlugin();
   }
-  ~Implementation() { close(); }
+  ~Implementation() {
+    close();
+    try {
+      if (process_) endProcess();
+    } catch (const std::exception&) {  // of whoever is told its lines or warnings
+    }
+  }
 
   void send(const std::string& payload) {
     const auto size = static_cast<std::uint32_t>(payload.size());
@@ -76,6 +86,26 @@ class HostLink::Implementation {
     return payload;
   }
 
+  std::optional<std::string> receiveWithin(milliseconds patience) {
+    bool done = false, readable = false;
+    socket_.async_wait(tcp::socket::wait_read, [&](const boost::system::error_code& error) {
+      readable = !error;
+      done = true;
+    });
+    const auto outcome = loop_.runUntil([&] { return done; }, patience);
+    boost::system::error_code ignored;
+    if (!done) socket_.cancel(ignored);
+    while (!done) loop_.context().run_one();
+    if (outcome == EventLoop::Outcome::stopped) throw HostFailure(kInterrupted);
+    return readable ? std::optional(receive()) : std::nullopt;
+  }
+
+  std::vector<std::string> takePrinted() {
+    loop_.runUntil([] { return true; }, milliseconds(0), false);
+    const std::deque<std::string> lines = std::exchange(printed_, {});
+    return {lines.begin(), lines.end()};
+  }
+
   void betweenFrames() {
     loop_.protect(false);
     if (loop_.mustStop()) throw HostFailure(kInterrupted);
@@ -88,8 +118,7 @@ class HostLink::Implementation {
     close();
     const auto ended = [&] { return process_->isGone() || (!launched && process_->hasExited()); };
     const bool byItself = loop_.runUntil(ended, patience) == EventLoop::Outcome::over;
-    process_->kill();
-    process_->awaitOutput(kEndAfterLoss);
+    endProcess();
     return byItself && process_->succeeded();
   }
 
@@ -98,8 +127,22 @@ class HostLink::Implementation {
  private:
   void hostLine(const std::string& line) {
     if (options_.onHostLine) options_.onHostLine(line);
-    lastLines_.push_back(line);
-    if (lastLines_.size() > kKeptLines) lastLines_.pop_front();
+    record_.addLine(line);
+    for (std::deque<std::string>* lines : {&lastLines_, &printed_}) {
+      lines->push_back(line);
+      if (lines->size() > kKeptLines) lines->pop_front();
+    }
+  }
+
+  void endProcess() {
+    process_->kill();
+    process_->awaitOutput(kEndAfterLoss);
+    record_.keep();
+    const bool isKept =
+        loop_.runUntil([this] { return record_.isKept(); }, kKeeping, false) == EventLoop::Outcome::over;
+    const std::string problem = isKept ? record_.problem() : "the folder does not answer";
+    if (!problem.empty() && options_.onWarning)
+      options_.onWarning(fmt::format("The host's log cannot be kept in {}: {}", options_.records, problem));
   }
 
   void awaitPlugin() {
@@ -139,7 +182,11 @@ class HostLink::Implementation {
   }
 
   void await(const std::function<bool()>& done, const char* what) {
-    switch (loop_.runUntil([&] { return done() || process_->isGone(); }, options_.silence)) {
+    const auto over = [&] {
+      record_.look();
+      return done() || process_->isGone();
+    };
+    switch (loop_.runUntil(over, options_.silence)) {
       case EventLoop::Outcome::over:
         if (!done()) throw HostFailure(lost(fmt::format("The host ended before it could {}", what)));
         return;
@@ -182,7 +229,8 @@ class HostLink::Implementation {
   Door door_;
   tcp::socket socket_;
   StartScript script_;
-  std::deque<std::string> lastLines_;
+  HostRecord record_;
+  std::deque<std::string> lastLines_, printed_;
   std::optional<HostProcess> process_;
 };
 
@@ -209,6 +257,10 @@ HostLink::HostLink(const HostOptions& options)
 HostLink::~HostLink() = default;
 void HostLink::send(const std::string& payload) { implementation_->send(payload); }
 std::string HostLink::receive() { return implementation_->receive(); }
+std::optional<std::string> HostLink::receiveWithin(milliseconds patience) {
+  return implementation_->receiveWithin(patience);
+}
+std::vector<std::string> HostLink::takePrinted() { return implementation_->takePrinted(); }
 void HostLink::betweenFrames() { implementation_->betweenFrames(); }
 bool HostLink::finish(std::chrono::milliseconds patience) { return implementation_->finish(patience); }
 const std::deque<std::string>& HostLink::lastLines() const { return implementation_->lastLines(); }

@@ -48,8 +48,10 @@ std::vector<std::string> StartScript::in(std::vector<std::string> command) const
   return command;
 }
 
+std::string StartScript::hostFolder() const { return folder_.path() + kShortLived; }
+
 std::map<std::string, std::string> StartScript::environment() const {
-  const std::string folder = folder_.path() + kShortLived;
+  const std::string folder = hostFolder();
   return {{"TMP", folder}, {"TEMP", folder}, {"TMPDIR", folder}};
 }
 

@@ -19,6 +19,8 @@ class StartScript {
 
   // The host's command with the script's path in place of "{script}", or appended.
   std::vector<std::string> in(std::vector<std::string> command) const;
+  // The host's folder for short-lived files: its log is there.
+  std::string hostFolder() const;
   // What makes the host use its folder for short-lived files.
   std::map<std::string, std::string> environment() const;
 

@@ -6,7 +6,8 @@
 namespace worker {
 
 // `path` below `folder`, or below the current folder where that is empty or relative; an absolute or empty path stays
-// what it is. "." and ".." are carried out by text.
+// what it is. "." and ".." are carried out by text. std::invalid_argument for a name that would be another one in a
+// host: one with a backslash where that separates nothing.
 std::string absolutePath(const std::string& path, const std::string& folder = {});
 
 std::string windowsName(const std::string& nativePath);

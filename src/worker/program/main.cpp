@@ -22,6 +22,7 @@ worker::RunOptions runOptions(const worker::Request& request) {
   options.console.verbose = request.verbose;
   options.console.quiet = request.quiet;
   options.console.width = platform::terminalWidth();
+  options.recordFolder = request.recordFolder;
   options.crashReportFolder = request.crashReportFolder;
   return options;
 }

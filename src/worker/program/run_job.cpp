@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "worker/conversation/session.h"
+#include "worker/program/record_folder.h"
 
 namespace worker {
 namespace {
@@ -92,6 +93,7 @@ ExitCode runJob(const Job& job, const RunOptions& options) {
   const platform::StopSignals stop;
   HostOptions host = options.host;
   host.stop = &stop;
+  host.records = (options.recordFolder.empty() ? makeRecordFolder(job) : options.recordFolder) + "/hosts";
   host.onHostLine = [&console](const std::string& line) { console.hostLine(line); };
   host.onWarning = [&console](const std::string& line) { console.warning(line); };
 

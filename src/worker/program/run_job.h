@@ -24,6 +24,7 @@ enum class ExitCode {
 struct RunOptions {
   HostOptions host;
   ConsoleOptions console;
+  std::string recordFolder;       // empty: its default place
   std::string crashReportFolder;  // empty: crash descriptions are only printed
 };
 
