@@ -25,7 +25,7 @@ using testing::HasSubstr;
 class StrangeClock : public platform::Clock {
  public:
   std::uint32_t tickCount() override {
-    const std::uint32_t step = std::min(hurry_, 4000U);
+    const std::uint32_t step = std::min(hurry_, 1000U);
     hurry_ -= step;
     return system_.tickCount() + (ahead_ += step);
   }
