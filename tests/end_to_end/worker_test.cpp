@@ -46,7 +46,7 @@ TEST_F(WorkerTest, RendersFramesWithPreviewsAndElements) {
   }
   EXPECT_NE(worker.output.find("3 of 3 frames rendered"), std::string::npos) << worker.output;
   EXPECT_EQ(worker.output.find('\033'), std::string::npos) << "no colours where there is no terminal";
-  const std::string log = folder_.read("corvantis.log");
+  const std::string log = folder_.read("img/beauty.job/hosts/1/corvantis.log");
   EXPECT_NE(log.find("Got command: RenderTask,5"), std::string::npos);
 }
 

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <optional>
 #include <random>
+#include <utility>
 
 #include "protocol/framing.h"
 #include "worker/host/door.h"
@@ -52,7 +53,12 @@ class HostLink::Implementation {
         record_(options.records, script_.hostFolder()) {
     const HostCommand command{options.keeper, script_.in(options.command), script_.environment()};
     process_.emplace(loop_, command, [this](const std::string& line) { hostLine(line); });
-    awaitPlugin();
+    try {
+      awaitPlugin();
+    } catch (...) {
+      endProcess();
+      throw;
+    }
   }
   ~Implementation() {
     close();
@@ -135,6 +141,7 @@ class HostLink::Implementation {
   }
 
   void endProcess() {
+    if (std::exchange(isEnded_, true)) return;
     process_->kill();
     process_->awaitOutput(kEndAfterLoss);
     record_.keep();
@@ -232,6 +239,7 @@ class HostLink::Implementation {
   HostRecord record_;
   std::deque<std::string> lastLines_, printed_;
   std::optional<HostProcess> process_;
+  bool isEnded_ = false;
 };
 
 namespace {

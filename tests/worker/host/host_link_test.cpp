@@ -214,6 +214,22 @@ TEST_F(HostLinkTest, FloodsOfOutputAreNoStop) {
   }
 }
 
+TEST_F(HostLinkTest, EachHostsOutputAndLogAreKept) {
+  support::TemporaryFolder folder;
+  options_.records = folder.path("hosts");
+  ASSERT_EQ(run("print:first come serve").status, JobStatus::done);
+  ASSERT_EQ(run("print:second log:a_line come serve:RenderTask fault:9").status, JobStatus::hostFailed);
+  EXPECT_EQ(folder.read("hosts/1/output.txt"), "first\n");
+  EXPECT_EQ(folder.read("hosts/2/output.txt"), "second\n");
+  EXPECT_EQ(folder.read("hosts/2/corvantis.log"), "a line\n");
+  ASSERT_EQ(run("print:never_came exit:3").status, JobStatus::hostFailed);
+  EXPECT_EQ(folder.read("hosts/3/output.txt"), "never came\n");
+  EXPECT_TRUE(warnings_.empty());
+  options_.records = folder.write("file", "in the way") + "/hosts";
+  EXPECT_EQ(run("come serve").status, JobStatus::done) << "a record that cannot be kept costs no frame";
+  EXPECT_THAT(warnings_, testing::ElementsAre(HasSubstr("log cannot be kept in " + options_.records)));
+}
+
 TEST_F(HostLinkTest, TimeInWhichTheWorkerWasStoppedDoesNotCount) {
   EXPECT_EQ(run("print:was_suspended come print:was_suspended serve").status, JobStatus::done);
 }

@@ -6,6 +6,7 @@
 //   say:TEXT        sends a message, "_" for a blank
 //   raw:KIND        sends what is no message: huge
 //   print:TEXT      a line of its own output, "_" for a blank
+//   log:TEXT        a line of its log, "_" for a blank
 //   flood:KIND      much output: line (without an end), bars, lines
 //   show:WHAT       a line with facts: handles, folder (its TMP), mode (the permissions of script and folder)
 //   hold:PIPE       opens the named pipe, which stays open while anything of this host runs
@@ -148,7 +149,7 @@ void follow(const std::string& order) {
   const std::size_t colon = order.find(':');
   const std::string word = order.substr(0, colon);
   std::string text = colon == std::string::npos ? "" : order.substr(colon + 1);
-  if (word == "say" || word == "print")
+  if (word == "say" || word == "print" || word == "log")
     for (char& c : text)
       if (c == '_') c = ' ';
   if (word == "come") come();
@@ -157,6 +158,7 @@ void follow(const std::string& order) {
   if (word == "say") say(text);
   if (word == "raw") sendRaw(worker, "\x7f\xff\xff\xff");
   if (word == "print") std::cout << text << std::endl;
+  if (word == "log") std::ofstream(std::string(std::getenv("TMP")) + "/corvantis.log", std::ios::app) << text << "\n";
   if (word == "flood") flood(text);
   if (word == "show") std::cout << facts(text) << std::endl;
   if (word == "hold") pipe = ::open(text.c_str(), O_WRONLY);
