@@ -7,8 +7,8 @@
 #include <string>
 
 #include "bench/report.h"
-#include "hostkit/image/bitmap_manager.h"
 #include "hostkit/codec/image_codec_library.h"
+#include "hostkit/image/bitmap_manager.h"
 #include "hostkit/image/pixel_storage.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostsdk/bitmap.h"

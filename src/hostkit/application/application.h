@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "hostkit/image/bitmap_manager.h"
 #include "hostkit/codec/image_codec_library.h"
+#include "hostkit/image/bitmap_manager.h"
 #include "hostkit/script/engine/engine.h"
 #include "hostkit/services/gamma_manager.h"
 #include "hostkit/services/path_configuration.h"
