@@ -131,9 +131,10 @@ bool RunCorvantisDaemon(JobState& job, win32::simple_socket& connection, bool& d
   } catch (...) {
     reportException(connection);
   }
+  const bool value = outcome.value;
   if (outcome.faulted())
     report(connection, "SEH exception caught", "SEH exception: " + faultText(job, std::move(outcome)));
-  return outcome.value;
+  return value;
 }
 
 }  // namespace corvantis

@@ -67,6 +67,7 @@ class Keeper {
   // 0, or the error number of the first step that failed. The child tells through a pipe that its start closes.
   int start(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
     int pipe[2];

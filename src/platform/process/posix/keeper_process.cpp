@@ -66,7 +66,7 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
     const std::string text = *entry;
     if (given.count(text.substr(0, text.find('='))) == 0) texts.push_back(text);
   }
-  for (const auto& [name, value] : given) texts.push_back(name + "=" + value);
+  for (const auto& [name, value] : given) texts.emplace_back(name).append("=").append(value);
   return texts;
 }
 
