@@ -1,13 +1,17 @@
 #include "bench/ping_pong.h"
 
+#include <fmt/core.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <memory>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -74,14 +78,39 @@ double microsecondsOf(const std::function<void()>& round) {
   return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
 }
 
-Latencies summarise(std::vector<double> times) {
-  std::sort(times.begin(), times.end());
-  return {times[times.size() / 2], times[times.size() * 99 / 100]};
+double sleepsSoFar() {
+  rusage used{};
+  checked(::getrusage(RUSAGE_SELF, &used), "getrusage");
+  return static_cast<double>(used.ru_nvcsw);
 }
+
+// The rounds of one side.
+class Series {
+ public:
+  explicit Series(const std::function<void()>& round) : round_(round) {}
+
+  void run(int rounds) {
+    const double before = sleepsSoFar();
+    for (int i = 0; i < rounds; ++i) times_.push_back(microsecondsOf(round_));
+    sleeps_ += sleepsSoFar() - before;
+  }
+
+  Latencies summary() {
+    std::sort(times_.begin(), times_.end());
+    const std::size_t count = times_.size();
+    return {times_[count / 2], times_[count * 99 / 100], sleeps_ / static_cast<double>(count)};
+  }
+
+ private:
+  const std::function<void()>& round_;
+  std::vector<double> times_;
+  double sleeps_ = 0;
+};
 
 }  // namespace
 
-AnsweringServer::AnsweringServer(const RoundShape& shape, std::string answer) : listener_(listenOnLoopback(port_)) {
+AnsweringServer::AnsweringServer(const RoundShape& shape, std::string answer, std::vector<std::string> lines)
+    : listener_(listenOnLoopback(port_)), lines_(std::move(lines)) {
   const std::size_t bytesOfARound = shape.requestSize * static_cast<std::size_t>(shape.requests);
   thread_ = std::thread([this, bytesOfARound, reply = std::move(answer)] { serve(bytesOfARound, reply); });
 }
@@ -96,8 +125,13 @@ void AnsweringServer::serve(std::size_t bytesOfARound, const std::string& answer
   const int connection = ::accept(listener_, nullptr, nullptr);
   if (connection < 0) return;
   sendAtOnce(connection);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> log(std::tmpfile(), &std::fclose);
   std::string requests(bytesOfARound, '\0');
-  while (receiveAll(connection, requests)) sendAll(connection, answer);
+  while (receiveAll(connection, requests)) {
+    for (const std::string& line : lines_)
+      checked(static_cast<int>(::write(::fileno(log.get()), line.data(), line.size())), "write");
+    sendAll(connection, answer);
+  }
   ::close(connection);
 }
 
@@ -130,11 +164,11 @@ void CallingEnd::close() {
   connection_ = -1;
 }
 
-PingPong::PingPong(const RoundShape& shape, SmallMessages smallMessages)
+PingPong::PingPong(const RoundShape& shape, SmallMessages smallMessages, std::vector<std::string> linesOfTheServer)
     : shape_(shape),
       request_(shape.requestSize, 'q'),
       answer_(shape.answerSize, '\0'),
-      server_(shape, std::string(shape.answerSize, 'a')),
+      server_(shape, std::string(shape.answerSize, 'a'), std::move(linesOfTheServer)),
       socket_(checked(::socket(AF_INET, SOCK_STREAM, 0), "socket")) {
   if (smallMessages == SmallMessages::sentAtOnce) sendAtOnce(socket_);
   const sockaddr_in address = loopback(server_.port());
@@ -165,18 +199,19 @@ Comparison compareRounds(const std::function<void()>& ours, const std::function<
     ours();
     peer();
   }
-  std::vector<double> oursTimes;
-  std::vector<double> peerTimes;
+  Series oursSeries(ours), peerSeries(peer);
   for (int batch = 0; batch < kBatches; ++batch) {
-    for (int round = 0; round < perBatch; ++round) oursTimes.push_back(microsecondsOf(ours));
-    for (int round = 0; round < perBatch; ++round) peerTimes.push_back(microsecondsOf(peer));
+    oursSeries.run(perBatch);
+    peerSeries.run(perBatch);
   }
-  return {summarise(std::move(oursTimes)), summarise(std::move(peerTimes))};
+  return {oursSeries.summary(), peerSeries.summary()};
 }
 
 void reportRounds(const std::string& name, const Comparison& comparison, double goal) {
   reportAtMost({name + " p50", comparison.ours.p50, comparison.peer.p50, "us"}, goal);
   reportAtMost({name + " p99", comparison.ours.p99, comparison.peer.p99, "us"}, goal);
+  fmt::print(stderr, "  {}: {:.2f} sleeps a round, the peer {:.2f}\n", name, comparison.ours.sleeps,
+             comparison.peer.sleeps);
 }
 
 }  // namespace bench

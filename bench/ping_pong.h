@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace bench {
 
@@ -23,7 +24,8 @@ enum class SmallMessages { sentAtOnce, held };  // TCP_NODELAY, or the system's 
 // `answer`, and so on until the client closes.
 class AnsweringServer {
  public:
-  AnsweringServer(const RoundShape& shape, std::string answer);
+  // `lines` are written to a file of its own before each answer, with a call each.
+  AnsweringServer(const RoundShape& shape, std::string answer, std::vector<std::string> lines = {});
   // Blocks until the client has closed.
   ~AnsweringServer();
   AnsweringServer(const AnsweringServer&) = delete;
@@ -36,6 +38,7 @@ class AnsweringServer {
 
   std::uint16_t port_ = 0;
   int listener_;
+  std::vector<std::string> lines_;
   std::thread thread_;
 };
 
@@ -67,7 +70,8 @@ class CallingEnd {
 // The bare client of a server of its own.
 class PingPong {
  public:
-  explicit PingPong(const RoundShape& shape, SmallMessages smallMessages = SmallMessages::sentAtOnce);
+  explicit PingPong(const RoundShape& shape, SmallMessages smallMessages = SmallMessages::sentAtOnce,
+                    std::vector<std::string> linesOfTheServer = {});
   ~PingPong();
   PingPong(const PingPong&) = delete;
   PingPong& operator=(const PingPong&) = delete;
@@ -84,14 +88,14 @@ class PingPong {
 };
 
 // From here on the process, and what it starts, keeps to one processor: what is compared is the work of a round, and
-// not what waking another processor costs. A worker and a host that run on two do pay for that; without this call the
-// daemon's round took about seven times the bare one's on a virtual machine with two processors.
+// not what waking another processor costs, which a worker and a host on two do pay.
 void keepToOneProcessor();
 
-// Microseconds a round.
+// Microseconds a round, and how often one of the process's threads went to sleep in it.
 struct Latencies {
   double p50 = 0;
   double p99 = 0;
+  double sleeps = 0;
 };
 struct Comparison {
   Latencies ours;
@@ -101,7 +105,7 @@ struct Comparison {
 // Times `rounds` rounds of each, in alternating batches so that both meet the same machine, after a warm-up.
 Comparison compareRounds(const std::function<void()>& ours, const std::function<void()>& peer, int rounds);
 
-// Prints "<name> p50" and "<name> p99".
+// Prints "<name> p50", "<name> p99" and, as a remark on standard error, the sleeps.
 void reportRounds(const std::string& name, const Comparison& comparison, double goal);
 
 }  // namespace bench
