@@ -6,26 +6,28 @@
 #include <array>
 #include <atomic>
 #include <mutex>
-#include <new>
 
 namespace platform::posix {
 namespace {
 
 constexpr std::array<int, 4> kFaultSignals = {SIGSEGV, SIGBUS, SIGFPE, SIGILL};
 
-// A handler that ours stands before. Never changed once it is linked and never freed: a thread may be reading it in the
-// middle of a fault.
+// A handler that ours stands before. Never changed once it is linked: a thread may be reading it in the middle of a
+// fault.
 struct Displaced {
-  struct sigaction action;
-  const Displaced* outer;  // what it stood before, as far as we know
-  const Displaced* madeBefore;
+  struct sigaction action {};
+  const Displaced* outer = nullptr;          // what it stood before, as far as we know
   mutable std::atomic<bool> isSpent{false};  // called, and only good for one call
 };
+
+// More than four signals will meet in the libraries of one host.
+constexpr std::size_t kMostDisplaced = 128;
 
 struct Installation {
   std::mutex mutex;
   int leases = 0;
-  const Displaced* made = nullptr;  // all of them
+  std::array<Displaced, kMostDisplaced> known{};
+  std::size_t knownCount = 0;
   // What each signal is passed to; null before the first lease.
   std::array<std::atomic<const Displaced*>, kFaultSignals.size()> displaced{};
 };
@@ -53,14 +55,17 @@ bool isOurs(const struct sigaction& action, SignalHandler handler) {
   return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == handler;
 }
 
-// Null without memory.
+// Null when there is no room for another.
 const Displaced* remember(const struct sigaction& action, const Displaced* outer) {
-  for (const Displaced* known = installation.made; known != nullptr; known = known->madeBefore) {
-    if (known->outer == outer && isSame(known->action, action)) return known;
+  for (std::size_t i = 0; i < installation.knownCount; ++i) {
+    const Displaced& known = installation.known[i];
+    if (known.outer == outer && isSame(known.action, action)) return &known;
   }
-  const Displaced* const made = new (std::nothrow) Displaced{action, outer, installation.made};
-  if (made != nullptr) installation.made = made;
-  return made;
+  if (installation.knownCount == kMostDisplaced) return nullptr;
+  Displaced& made = installation.known[installation.knownCount++];
+  made.action = action;
+  made.outer = outer;
+  return &made;
 }
 
 // The chain without a handler that comes to stand before all of it.

@@ -169,7 +169,10 @@ void follow(const std::string& order) {
     stall();
   }
   if (word == "launch" && ::fork() != 0) std::_Exit(0);
-  if (word == "fault") std::raise(std::stoi(text));
+  if (word == "fault") {
+    std::signal(std::stoi(text), SIG_DFL);  // a sanitizer's handler would end it by an exit code
+    std::raise(std::stoi(text));
+  }
   if (word == "exit") std::_Exit(std::stoi(text));
   if (word == "stall") stall();
 }
