@@ -167,8 +167,8 @@ std::uint16_t RenderFrame(JobState& job, std::int32_t frame, win32::simple_socke
 }
 
 Trapped<std::uint16_t> trappedRenderFrame(JobState& job, std::int32_t frame, win32::simple_socket& connection) {
-  const auto outcome = trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", std::uint16_t{1},
-                                   [&] { return RenderFrame(job, frame, connection); });
+  auto outcome = trappedCall(job, "Trapped SEH Exception in RenderFrame(): ", std::uint16_t{1},
+                             [&] { return RenderFrame(job, frame, connection); });
   if (outcome.faulted()) job.frameAbandoned = true;
   return outcome;
 }

@@ -1,5 +1,6 @@
 #include "worker/host/door.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/read.hpp>
 #include <utility>
@@ -77,10 +78,10 @@ void Door::readToken(const GuestPointer& guest) {
 }
 
 void Door::sendAway(const GuestPointer& guest) {
-  const GuestPointer kept = guest;
-  const auto before = guests_.size();
-  guests_.remove(kept);
-  if (guests_.size() == before) return;  // it was sent away before, or the door is closed
+  const auto at = std::find(guests_.begin(), guests_.end(), guest);
+  if (at == guests_.end()) return;  // it was sent away before, or the door is closed
+  const GuestPointer kept = std::move(*at);
+  guests_.erase(at);
   ++strangers_;
   boost::system::error_code ignored;
   kept->socket.close(ignored);

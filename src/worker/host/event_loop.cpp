@@ -44,6 +44,10 @@ EventLoop::Outcome EventLoop::runUntil(const std::function<bool()>& over, Millis
   }
 }
 
+void EventLoop::settle(const std::function<bool()>& over) {
+  while (!over()) context_.run_one();
+}
+
 bool EventLoop::mustStop() {
   if (!stop_ || stop_->asked() == platform::Stop::none) return false;
   const bool waits = stop_->asked() == platform::Stop::terminate && !stop_->insists() && isProtected_;

@@ -33,6 +33,9 @@ class EventLoop {
   // Until `over` holds. Stops are heeded unless this is itself the work of stopping.
   Outcome runUntil(const std::function<bool()>& over, Milliseconds patience, bool heedsStops = true);
 
+  // Until `over` holds, however long: for what was cancelled and only has to be heard of.
+  void settle(const std::function<bool()>& over);
+
   // What runs now is worth finishing once it is asked to terminate.
   void protect(bool isProtected) { isProtected_ = isProtected; }
   // A stop was asked for, and its grace, if it has any, is over.

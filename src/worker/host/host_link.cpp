@@ -98,10 +98,11 @@ class HostLink::Implementation {
       readable = !error;
       done = true;
     });
-    const auto outcome = loop_.runUntil([&] { return done; }, patience);
+    const auto over = [&] { return done; };
+    const auto outcome = loop_.runUntil(over, patience);
     boost::system::error_code ignored;
     if (!done) socket_.cancel(ignored);
-    while (!done) loop_.context().run_one();
+    loop_.settle(over);
     if (outcome == EventLoop::Outcome::stopped) throw HostFailure(kInterrupted);
     return readable ? std::optional(receive()) : std::nullopt;
   }
@@ -176,11 +177,12 @@ class HostLink::Implementation {
       error = e;
       done = true;
     });
+    const auto over = [&] { return done; };
     try {
-      await([&] { return done; }, what);
+      await(over, what);
     } catch (...) {
       close();
-      while (!done) loop_.context().run_one();
+      loop_.settle(over);
       throw;
     }
     if (error == asio::error::eof || error == asio::error::connection_reset)

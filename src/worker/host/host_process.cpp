@@ -26,7 +26,8 @@ std::string cannotStart(const std::string& program, int error) {
 
 }  // namespace
 
-HostProcess::HostProcess(EventLoop& loop, const HostCommand& command, std::function<void(const std::string&)> onLine)
+HostProcess::HostProcess(EventLoop& loop, const HostCommand& command,
+                         const std::function<void(const std::string&)>& onLine)
     : loop_(loop), line_(loop.context()), output_(loop.context(), onLine), errors_(loop.context(), onLine) {
   start(command);
   readLine();

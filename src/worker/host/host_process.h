@@ -25,7 +25,7 @@ struct HostCommand {
 class HostProcess {
  public:
   // Starts it and waits for the keeper's word. HostFailure with the reason when it cannot be started.
-  HostProcess(EventLoop& loop, const HostCommand& command, std::function<void(const std::string&)> onLine);
+  HostProcess(EventLoop& loop, const HostCommand& command, const std::function<void(const std::string&)>& onLine);
   // Ends it with everything that it has started.
   ~HostProcess();
   HostProcess(const HostProcess&) = delete;
